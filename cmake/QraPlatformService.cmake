@@ -1,0 +1,26 @@
+# qra_platform_service(NAME SOURCES file... [LINK library...])
+#
+# Declares the platform service NAME, whose contract is the headers in platform/NAME/include. The target is
+# qra-platform::NAME. With QRA_PLATFORM=host it is a shared library built from SOURCES; with
+# QRA_PLATFORM=external it is what pkg-config knows as qra-platform-NAME, and SOURCES are not looked at.
+function(qra_platform_service name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+    if(QRA_PLATFORM STREQUAL external)
+        pkg_check_modules(qra-platform-${name} REQUIRED IMPORTED_TARGET GLOBAL qra-platform-${name})
+        add_library(qra-platform::${name} ALIAS PkgConfig::qra-platform-${name})
+        return()
+    endif()
+    set(target qra-platform-${name})
+    add_library(${target} SHARED ${arg_SOURCES})
+    add_library(qra-platform::${name} ALIAS ${target})
+    target_include_directories(${target}
+        PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
+               $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/qra-platform>
+        PRIVATE ${PROJECT_SOURCE_DIR})
+    target_link_libraries(${target} PRIVATE ${arg_LINK})
+    set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 0)
+    install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qra-platform)
+    qra_install_pkgconfig(${target} "Platform service ${name} of the QRA content agent"
+        ${CMAKE_INSTALL_INCLUDEDIR}/qra-platform)
+endfunction()
