@@ -1,0 +1,57 @@
+#ifndef QRA_COMMON_CACHE_CACHE_READER_H
+#define QRA_COMMON_CACHE_CACHE_READER_H
+
+#include <cstdint>
+#include <string>
+
+#include "common/cache/shm_object.h"
+
+/// Start of a block object, as the content engine writes it: 32-bit words in the machine's byte order,
+/// offsets in bytes from the start of the object.
+struct _stQRABlockHeader {
+    int32_t
+        nGroupTableOffset;     ///< pairs of words: first index, last index; also the byte after the last text
+    int32_t nItemTableOffset;  ///< one word for each item: the offset of its text
+    int32_t nStartIndex;
+    int32_t nEndIndex;
+    int32_t nTotalCount;
+    int32_t nNumberOfGroups;
+    int32_t nTotalSize;
+};
+static_assert(sizeof(_stQRABlockHeader) == 28, "the block header is part of the format");
+
+/**
+ * One block of a result list: item texts that the content engine wrote to shared memory.
+ *
+ * Loads itself at construction. A block that does not exist, or whose tables do not lie in it, stays unloaded
+ * and answers neutrally: start 0, end -1, counts 0, false. An item number outside a loaded block is an
+ * assertion. No locks: used by one thread at a time.
+ */
+class CCacheReader {
+public:
+    explicit CCacheReader(const std::string& strShmName);
+
+    int GetTotalCount() const { return m_bLoaded ? m_Header.nTotalCount : 0; }
+    int GetItemCount() const { return EndIndex() - StartIndex() + 1; }
+    int GetGroupCount() const { return m_bLoaded ? m_Header.nNumberOfGroups : 0; }
+    int StartIndex() const { return m_bLoaded ? m_Header.nStartIndex : 0; }
+    int EndIndex() const { return m_bLoaded ? m_Header.nEndIndex : -1; }
+    const std::string& Name() const { return m_Object.Name(); }
+
+    /// First and last index of a group; false if there is no such group.
+    bool GetGroup(int nIndex, int& nBegin, int& nEnd) const;
+
+    /// Text of the block's item number `nIndex`; false with a log line if its offsets do not lie in the
+    /// block.
+    bool GetItem(int nIndex, std::string& strItem) const;
+
+private:
+    bool m_Load();
+    bool m_IsConsistent() const;
+
+    CShmObject m_Object;
+    _stQRABlockHeader m_Header = {};
+    bool m_bLoaded = false;
+};
+
+#endif

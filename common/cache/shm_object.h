@@ -1,0 +1,60 @@
+#ifndef QRA_COMMON_CACHE_SHM_OBJECT_H
+#define QRA_COMMON_CACHE_SHM_OBJECT_H
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+/**
+ * A POSIX shared memory object that another process wrote, mapped for reading.
+ *
+ * The writer is another process, so nothing in the object is believed: Map() takes a length only if the
+ * object is really that long, and every read is checked against that length. Each read also asks the object's
+ * size again, since a writer that shortens the object would leave pages behind it whose touch ends the
+ * process; only a shortening in the instant between question and read goes unseen. What is read is copied, so
+ * that a value that was checked is the value that is used.
+ *
+ * The object is never unlinked here. No locks: an object is used by one thread at a time.
+ */
+class CShmObject {
+public:
+    explicit CShmObject(std::string strShmName) : m_strShmName(std::move(strShmName)) {}
+    /// Unmaps and closes; a failure is logged and changes nothing.
+    ~CShmObject();
+    CShmObject(const CShmObject&) = delete;
+    CShmObject& operator=(const CShmObject&) = delete;
+
+    /// Opens the object and reads its header. False with a log line if there is no such object; a header that
+    /// is shorter than `nHeaderLength` is an assertion.
+    bool Open(void* pHeader, size_t nHeaderLength);
+
+    /// Maps the first `nTotalSize` bytes. False with a log line if the object is not that long, or cannot be
+    /// mapped.
+    bool Map(int32_t nTotalSize);
+
+    /// True if `nCount` entries of `nEntrySize` bytes from `nOffset` on lie within the mapped bytes.
+    bool Holds(int64_t nOffset, int64_t nCount, int64_t nEntrySize) const;
+
+    /// Copies bytes out. False, with nothing written, if they do not all lie in the object as it is now.
+    bool Read(int64_t nOffset, void* pOut, size_t nLength) const;
+
+    /// Copies a text of `nLength` bytes out, on the terms of Read().
+    bool ReadText(int64_t nOffset, int64_t nLength, std::string& strOut) const;
+
+    const std::string& Name() const { return m_strShmName; }
+
+private:
+    off_t m_RealSize() const;
+    bool m_IsReadable(int64_t nOffset, int64_t nLength) const;
+
+    std::string m_strShmName;
+    int m_nShmId = -1;
+    FILE* m_pStream = nullptr;  ///< over m_nShmId, which it owns
+    const char* m_pAddr = nullptr;
+    int64_t m_nLength = 0;  ///< mapped bytes
+};
+
+#endif

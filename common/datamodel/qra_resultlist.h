@@ -1,0 +1,74 @@
+#ifndef QRA_COMMON_DATAMODEL_QRA_RESULTLIST_H
+#define QRA_COMMON_DATAMODEL_QRA_RESULTLIST_H
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "common/cache/cache_reader.h"
+#include "common/cache/shm_object.h"
+
+/// Start of a result list object, as the content engine writes it: 32-bit words in the machine's byte order,
+/// offsets in bytes from the start of the object. The group table, pairs of first and last index, follows at
+/// once.
+struct _stQRAResultListHeader {
+    int32_t nBlockNameOffset;   ///< names of the blocks, each in a field of 128 bytes
+    int32_t nIndexTableOffset;  ///< for each item its block number and its item number in that block
+    int32_t nStartIndex;        ///< list index of the section's first item
+    int32_t nEndIndex;          ///< and of its last
+    int32_t nSectionIndex;
+    int32_t nTotalCount;  ///< items of the whole list
+    int32_t nNumberOfGroups;
+    int32_t nNumberOfBlocks;
+    int32_t nTotalSize;
+};
+static_assert(sizeof(_stQRAResultListHeader) == 36, "the result list header is part of the format");
+
+/**
+ * One section of a list that the content engine serves. It finds each item's block, maps a block at the first
+ * access to one of its items, and keeps it mapped for its own life.
+ *
+ * Loads itself at construction. An object that does not exist, or whose tables do not lie in it, stays
+ * unloaded and answers neutrally: start 0, end -1, section -1, counts 0, false. A list index outside a loaded
+ * section, and a block number outside its block table, are assertions. No locks: items are read by one thread
+ * at a time.
+ */
+class CResultList {
+public:
+    explicit CResultList(const std::string& strShmName);
+
+    int StartIndex() const { return m_bLoaded ? m_Header.nStartIndex : 0; }
+    int EndIndex() const { return m_bLoaded ? m_Header.nEndIndex : -1; }
+    int SectionIndex() const { return m_bLoaded ? m_Header.nSectionIndex : -1; }
+    int GetTotalCount() const { return m_bLoaded ? m_Header.nTotalCount : 0; }
+    int GetItemCount() const { return EndIndex() - StartIndex() + 1; }
+    int GetGroupCount() const { return m_bLoaded ? m_Header.nNumberOfGroups : 0; }
+    int GetBlockCount() const { return m_bLoaded ? m_Header.nNumberOfBlocks : 0; }
+    const std::string& Name() const { return m_Object.Name(); }
+
+    /// True if the section holds the list index.
+    bool IsValidIndex(int nListIndex) const { return nListIndex >= StartIndex() && nListIndex <= EndIndex(); }
+
+    /// First and last index of a group; false if there is no such group.
+    bool GetGroup(int nIndex, int& nBegin, int& nEnd) const;
+
+    /// All 128 bytes of a block's name field, trailing NUL bytes included; false if there is no such block.
+    bool GetBlockName(int nIndex, std::string& strName) const;
+
+    /// Text of the item at a list index, the name of its block (as GetBlockName() gives it) and its number
+    /// there.
+    bool GetItem(int nListIndex, std::string& strItem, std::string& strBlockName, int& nBlockItem);
+
+private:
+    bool m_Load();
+    bool m_IsConsistent() const;
+    const CCacheReader* m_GetReader(int nBlock, std::string& strBlockName);
+
+    CShmObject m_Object;
+    _stQRAResultListHeader m_Header = {};
+    bool m_bLoaded = false;
+    std::map<int, std::unique_ptr<CCacheReader>> m_Readers;  ///< by block number; those opened so far
+};
+
+#endif
