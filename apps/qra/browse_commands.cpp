@@ -1,0 +1,171 @@
+#include <json/value.h>
+#include <json/writer.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <string>
+#include <variant>
+
+#include "apps/qra/command_line.h"
+#include "apps/qra/commands.h"
+#include "apps/qra/engine_access.h"
+#include "apps/qra/grid_view.h"
+#include "apps/qra/interrupt.h"
+#include "apps/qra/item_value.h"
+#include "apps/qra/list_request.h"
+#include "apps/qra/media_drives.h"
+#include "apps/qra/media_path.h"
+#include "apps/qra/output.h"
+#include "apps/qra/terminal.h"
+#include "apps/qra/terminal_text.h"
+#include "apps/qra/tile_reader.h"
+
+namespace {
+
+/// Sees to it that the list is there to be asked for, and gives the path to ask with.
+class Browsing {
+public:
+    explicit Browsing(const CommandLine& line)
+        : path_(line.list.source == "SOURCE_MSC" ? prepare_drive(line) : line.path),
+          request_(line.list, path_) {}
+
+    const std::string& path() const { return path_; }
+    ListRequest& request() { return request_; }
+
+private:
+    /// A view of folders shows what is in the folder; any other view shows its whole drive.
+    std::string prepare_drive(const CommandLine& line) {
+        MediaDrives& drives = drives_.emplace();
+        std::string path = media_path(drives, line.path);
+        if (line.scan_first) {
+            const bool of_folder = line.list.sort_category.find("FOLDER") != std::string::npos;
+            drives.scan(of_folder ? path : drives.drive_of(path).link_path, !of_folder);
+        }
+        return path;
+    }
+
+    EngineAccess engine_;
+    std::optional<MediaDrives> drives_;
+    std::string path_;
+    ListRequest request_;
+};
+
+void check_interrupt() {
+    if (interrupt::requested()) {
+        throw CommandError(ExitStatus::RequestFailed, "interrupted");
+    }
+}
+
+struct TileRange {
+    int begin;
+    int end;
+};
+
+TileRange range_of(const CommandLine& line, int tile_count) {
+    const int begin = std::min(line.offset, tile_count);
+    const int rest = tile_count - begin;
+    return {begin, begin + (line.limit < 0 ? rest : std::min(line.limit, rest))};
+}
+
+void print_json_tiles(ListRequest& request, const TileRange& range) {
+    for (int index = range.begin; index < range.end; ++index) {
+        check_interrupt();
+        print(request.item(index));
+    }
+}
+
+GridStyle grid_style(const ListOptions& options) {
+    GridStyle style;
+    style.rows = options.rows;
+    style.columns = options.columns;
+    style.order = page_order(options);
+    style.width = terminal_width(STDOUT_FILENO);
+    style.colour = wants_colour(STDOUT_FILENO);
+    style.unicode = locale_is_utf8();
+    return style;
+}
+
+void print_grid(ListRequest& request, const ListOptions& options, const TileRange& range) {
+    const GridView view(grid_style(options), range.end - 1);
+    const int size = view.page_size();
+    const int pages = (request.tile_count() + size - 1) / size;
+    for (int page = range.begin / size; page * size < range.end; ++page) {
+        check_interrupt();
+        std::vector<std::optional<Tile>> slots(static_cast<std::size_t>(size));
+        for (int index = std::max(range.begin, page * size); index < std::min(range.end, (page + 1) * size);
+             ++index) {
+            slots[static_cast<std::size_t>(index - page * size)] = read_tile(request, index);
+        }
+        print(pages == 1 ? "" : "page " + std::to_string(page + 1) + " of " + std::to_string(pages) + "\n\n");
+        print(view.page(page * size, slots));
+        flush_output();
+    }
+}
+
+Json::Value json_of(const ItemValue& value) {
+    return std::visit(
+        [](const auto& content) -> Json::Value {
+            if constexpr (std::is_same_v<std::decay_t<decltype(content)>, long long>) {
+                return Json::Int64{content};
+            } else if constexpr (std::is_same_v<std::decay_t<decltype(content)>, unsigned long long>) {
+                return Json::UInt64{content};
+            } else {
+                return content;
+            }
+        },
+        value);
+}
+
+void print_json_values(const CommandLine& line, const std::vector<ItemValue>& values) {
+    Json::Value object(Json::objectValue);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        object[line.fields[i]] = json_of(values[i]);
+    }
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    builder["precision"] = 15;  // all digits that a double is sure to keep, and "2.8" stays "2.8"
+    print(Json::writeString(builder, object) + "\n");
+}
+
+}  // namespace
+
+void run_list(const CommandLine& line) {
+    Browsing browsing(line);
+    ListRequest& request = browsing.request();
+    const TileRange range = range_of(line, request.tile_count());
+    if (line.json) {
+        print_json_tiles(request, range);
+        return;
+    }
+    print(printable_text(line.path) + "  " + summary(request) + "\n\n");
+    print_grid(request, line.list, range);
+}
+
+void run_get(const CommandLine& line) {
+    Browsing browsing(line);
+    ListRequest& request = browsing.request();
+    if (line.index < 0 || line.index >= request.tile_count()) {
+        throw CommandError(ExitStatus::RequestFailed, "there is no tile " + std::to_string(line.index) +
+                                                          ": the list has " +
+                                                          std::to_string(request.tile_count()));
+    }
+    request.move_to(line.index);
+    std::vector<ItemValue> values;
+    for (const std::string& field : line.fields) {
+        auto value = read_item_value(request.handle(), field);
+        if (!value) {
+            throw CommandError(ExitStatus::RequestFailed, "tile " + std::to_string(line.index) +
+                                                              " has no value " + printable_text(field));
+        }
+        values.push_back(std::move(*value));
+    }
+    if (line.json) {
+        print_json_values(line, values);
+        return;
+    }
+    const bool for_a_person = isatty(STDOUT_FILENO) == 1;
+    for (const ItemValue& value : values) {
+        const std::string text = to_text(value);
+        print((for_a_person ? printable_text(text) : text) + "\n");
+    }
+}

@@ -1,0 +1,147 @@
+#include "apps/qra/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <climits>
+#include <string>
+
+#include "apps/qra/commands.h"
+
+namespace {
+
+constexpr int kMostRowsOrColumns = 1000;
+
+/// The built-in lists of the library, and what cameras and phones make today besides.
+constexpr const char* kExtensions =
+    R"({"param_media_extension_image":["jpg","jpeg","jpe","jfif","mpo","bmp","png","gif","webp","heic","heif","hif",)"
+    R"("avif","tif","tiff","dng","arw","cr2","cr3","nef","orf","raf","rw2"],)"
+    R"("param_media_extension_video":["avi","mpg","mpeg","mp4","m4v","vob","vro","ts","trp","tp","svi","mkv","wmv",)"
+    R"("asf","3gp","3g2","divx","flv","m2ts","mov","mts","webm","ogv","insv","s4ud","rmvb","rm"],)"
+    R"("param_media_extension_music":["mp3","wma","wav","m4a","m4b","aac","mpa","flac","ogg","oga","opus","amr",)"
+    R"("mid","midi","ape","aif","aiff"],)"
+    R"("param_media_extension_pvr":["srf"],)"
+    R"("param_media_extension_uhd":["um4","km4","sum4"]})";
+
+constexpr const char* kViews =
+    "Sort categories of one folder: CATEGORY-FOLDER-TITLE, CATEGORY-FOLDER-DATE, CATEGORY-FOLDER,\n"
+    "CATEGORY-FOLDER-CHANNEL_NAME and CATEGORY-FOLDER-CHANNEL_NUM (recordings), "
+    "CATEGORY-UHD-FOLDER-WITHUPFOLDER.\n"
+    "Of the whole drive: CATEGORY-TITLE, CATEGORY-TRACK, CATEGORY-KEYWORD-SEARCH, CATEGORY-MSC-PHOTO,\n"
+    "CATEGORY-DATE, CATEGORY-CHANNEL_NAME and CATEGORY-CHANNEL_NUM (recordings).\n"
+    "Content types: CONTENT-FOLDER (everything), CONTENT-IMAGE, CONTENT-VIDEO, CONTENT-MUSIC, CONTENT-PVR,\n"
+    "CONTENT-PVR-UNWATCHED, CONTENT-PVR-SCHEDULED, CONTENT-360IMAGE, CONTENT-360VIDEO; with --uhd "
+    "CONTENT-UHD.\n\n";
+
+constexpr const char* kFooter =
+    "Exit status: 0 success, 1 usage, 2 the request failed, 3 the engine or a service is not there.\n"
+    "Environment: QRA_DATA_DIR the media database's directory, QRA_MEDIA_ROOT where drives are linked,\n"
+    "QRA_ENGINE the content engine to start where the system has none, QRA_LOG=warning, info or debug shows "
+    "the\n"
+    "library's log, NO_COLOR.";
+
+std::string version_text() {
+    return "qra " + std::to_string(QRA_CONTENT_AGENT_VERSION_MAJOR) + "." +
+           std::to_string(QRA_CONTENT_AGENT_VERSION_MINOR) + "." +
+           std::to_string(QRA_CONTENT_AGENT_VERSION_PATCH);
+}
+
+CLI::Validator drive_name_check() {
+    return CLI::Validator(
+        [](std::string& name) {
+            const std::string prefix = "USBDrive";
+            const bool valid = name.rfind(prefix, 0) == 0 && name.size() > prefix.size() &&
+                               name.find_first_not_of("0123456789", prefix.size()) == std::string::npos;
+            return valid ? std::string() : "a drive is called USBDrive and a number";
+        },
+        "USBDriveN");
+}
+
+void add_drive_commands(CLI::App& app, CommandLine& line) {
+    CLI::App* attach =
+        app.add_subcommand("attach", "Make a folder a drive below the media root; prints its name");
+    attach->add_option("DIR", line.path, "The folder")->required();
+    attach->add_option("--as", line.drive_name, "Its name; without it the first free one")
+        ->check(drive_name_check());
+    attach->callback([&line] { line.command = run_attach; });
+
+    CLI::App* detach = app.add_subcommand("detach", "Take a drive away; what is known of it is kept");
+    detach->add_option("NAME", line.drive_name, "The drive")->required();
+    detach->callback([&line] { line.command = run_detach; });
+
+    CLI::App* storages = app.add_subcommand("storages", "Show the drives that the media database knows");
+    storages->callback([&line] { line.command = run_storages; });
+
+    CLI::App* scan =
+        app.add_subcommand("scan", "Bring the media database up to date with a folder of a drive");
+    scan->add_option("PATH", line.path, "The folder; one that lies on no drive is attached first")
+        ->required();
+    scan->add_flag("--recursive", line.recursive, "With everything below it");
+    scan->callback([&line] { line.command = run_scan; });
+}
+
+void add_request_options(CLI::App& command, CommandLine& line) {
+    ListOptions& list = line.list;
+    command.add_option("PATH", line.path, "The folder; one that lies on no drive is attached first")
+        ->required();
+    command.add_option("--source", list.source, "Source of the list")->capture_default_str();
+    command.add_option("--content", list.content_type, "Content type")->capture_default_str();
+    command.add_option("--sort", list.sort_category, "Sort category")->capture_default_str();
+    command.add_option("--mask", list.mask,
+                       "What the page shows: 2 folders, 4 media, 8 groups, 16 playlists, "
+                       "32 up-folder, 64 selected, 128 fillers; default 0x26");
+    command.add_option("--rows", list.rows, "Rows of a page")
+        ->check(CLI::Range(1, kMostRowsOrColumns))
+        ->capture_default_str();
+    command.add_option("--columns", list.columns, "Columns of a page")
+        ->check(CLI::Range(1, kMostRowsOrColumns))
+        ->capture_default_str();
+    command.add_option("--group", list.group, "The group to show, counted from 0; -1 for all")
+        ->capture_default_str();
+    const auto set_order = [&list](const std::string& word) {
+        list.order = word == "row" ? QRA_PAGE_ORDER_ROW : QRA_PAGE_ORDER_COLUMN;
+    };
+    command
+        .add_option_function<std::string>("--order", set_order,
+                                          "Fill order of a page; sources of this machine always use column")
+        ->check(CLI::IsMember({"row", "column"}));
+    command.add_option("--keyword", list.keyword, "What CATEGORY-KEYWORD-SEARCH looks for");
+    command.add_option("--extension", list.extension, "File extensions of each content type, as JSON");
+    command.add_flag("--uhd", list.uhd, "With UHD content");
+    command.add_flag_callback(
+        "--no-scan", [&line] { line.scan_first = false; },
+        "Take what the media database has, without a scan");
+    command.footer(std::string(kViews) + kFooter);
+}
+
+void add_browse_commands(CLI::App& app, CommandLine& line) {
+    CLI::App* list = app.add_subcommand("list", "Show a folder as pages of tiles");
+    add_request_options(*list, line);
+    list->add_option("--offset", line.offset, "First tile to show")->check(CLI::Range(0, INT_MAX));
+    list->add_option("--limit", line.limit, "Most tiles to show")->check(CLI::Range(0, INT_MAX));
+    list->add_flag("--json", line.json, "One JSON object for each tile, one on a line, in list order");
+    list->callback([&line] { line.command = run_list; });
+
+    CLI::App* get = app.add_subcommand("get", "Print values of one tile, one on a line");
+    add_request_options(*get, line);
+    get->add_option("INDEX", line.index, "List index of the tile")->required();
+    get->add_option("FIELD", line.fields, "Names such as TITLE, FILE_PATH, WIDTH")->required();
+    get->add_flag("--json", line.json, "One JSON object with all values");
+    get->callback([&line] { line.command = run_get; });
+}
+
+}  // namespace
+
+std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine& command_line) {
+    CLI::App app("Browse media with the QRA content agent.", "qra");
+    command_line.list.extension = kExtensions;
+    app.set_version_flag("--version", version_text());
+    app.require_subcommand(1);
+    app.footer(kFooter);
+    add_drive_commands(app, command_line);
+    add_browse_commands(app, command_line);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? ExitStatus::Success : ExitStatus::Usage;
+    }
+    return std::nullopt;
+}

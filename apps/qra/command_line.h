@@ -1,0 +1,33 @@
+#ifndef QRA_APPS_QRA_COMMAND_LINE_H
+#define QRA_APPS_QRA_COMMAND_LINE_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "apps/qra/exit_status.h"
+#include "apps/qra/list_request.h"
+
+struct CommandLine;
+using Command = void (*)(const CommandLine&);
+
+/// What the user asked for. Each command uses the fields that its options fill.
+struct CommandLine {
+    Command command = nullptr;
+    std::string path;        ///< attach, scan, list, get
+    std::string drive_name;  ///< attach --as, detach
+    bool recursive = false;
+    bool json = false;
+    bool scan_first = true;
+    ListOptions list;
+    int offset = 0;
+    int limit = -1;  ///< negative: all
+    int index = 0;
+    std::vector<std::string> fields;
+};
+
+/// Reads the command line. Prints help, the version, or what is wrong with the arguments.
+/// @return the status to exit with at once; nothing if there is a command to run
+std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine& command_line);
+
+#endif

@@ -1,0 +1,15 @@
+#ifndef QRA_APPS_QRA_COMMANDS_H
+#define QRA_APPS_QRA_COMMANDS_H
+
+struct CommandLine;
+
+// The commands of the tool. Each prints its answer to stdout and throws CommandError when it cannot give one.
+
+void run_attach(const CommandLine& line);
+void run_detach(const CommandLine& line);
+void run_storages(const CommandLine& line);
+void run_scan(const CommandLine& line);
+void run_list(const CommandLine& line);
+void run_get(const CommandLine& line);
+
+#endif

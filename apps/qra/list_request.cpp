@@ -1,0 +1,174 @@
+#include "apps/qra/list_request.h"
+
+#include <cstdlib>
+#include <memory>
+
+#include "apps/qra/exit_status.h"
+#include "apps/qra/interrupt.h"
+
+namespace {
+
+constexpr int kGroupHeaders = 0x08;
+
+struct ErrorText {
+    qra_error_code_e code;
+    const char* text;
+};
+
+constexpr ErrorText kErrorTexts[] = {
+    {QRA_ERROR_INVALID_HANDLE, "the list is no longer there"},
+    {QRA_ERROR_INVALID_PARAM, "the request or the page style is refused"},
+    {QRA_ERROR_READ_FAILED, "reading failed"},
+    {QRA_ERROR_WRITE_FAILED, "that part of the list has not arrived"},
+    {QRA_ERROR_ENGINE, "the content engine does not answer"},
+    {QRA_ERROR_OUT_OF_MEMORY, "out of memory"},
+    {QRA_ERROR_NOT_SUPPORTED, "this build does not serve the source"},
+};
+
+std::string text_of(qra_error_code_e code) {
+    for (const ErrorText& entry : kErrorTexts) {
+        if (entry.code == code) {
+            return entry.text;
+        }
+    }
+    return "error " + std::to_string(code);
+}
+
+[[noreturn]] void fail(const std::string& what, qra_error_code_e code) {
+    throw CommandError(code == QRA_ERROR_ENGINE ? ExitStatus::ServiceMissing : ExitStatus::RequestFailed,
+                       what + ": " + text_of(code));
+}
+
+void check(const std::string& what, qra_error_code_e code) {
+    if (code != QRA_ERROR_NONE) {
+        fail(what, code);
+    }
+}
+
+using GeneralParam = std::unique_ptr<qra_general_s, decltype(&qra_destroy_general_param)>;
+using PageParam = std::unique_ptr<qra_page_style_s, decltype(&qra_destroy_page_param)>;
+
+using TextSetter = qra_error_code_e (*)(qra_general_param_h, const char*);
+
+GeneralParam general_param(const ListOptions& options, const std::string& path) {
+    qra_general_param_h raw = nullptr;
+    check("list", qra_create_general_param(&raw));
+    GeneralParam param(raw, &qra_destroy_general_param);
+    const std::pair<TextSetter, const std::string&> texts[] = {
+        {qra_param_set_general_source, options.source},
+        {qra_param_set_general_path, path},
+        {qra_param_set_general_content_type, options.content_type},
+        {qra_param_set_general_sort_category, options.sort_category},
+        {qra_param_set_general_key_word, options.keyword},
+        {qra_param_set_general_extension, options.extension},
+    };
+    for (const auto& [set, text] : texts) {
+        if (!text.empty()) {
+            check("list", set(raw, text.c_str()));
+        }
+    }
+    check("list", qra_param_set_general_is_uhd_meta(raw, options.uhd));
+    return param;
+}
+
+PageParam page_param(const ListOptions& options) {
+    qra_page_param_h raw = nullptr;
+    check("page style", qra_create_page_param(&raw));
+    PageParam param(raw, &qra_destroy_page_param);
+    check("page style", qra_param_set_page_style_mask(raw, options.mask));
+    check("page style", qra_param_set_page_style_order(raw, options.order));
+    check("page style", qra_param_set_page_style_group_index(raw, options.group));
+    check("page style", qra_param_set_page_style_row(raw, options.rows));
+    check("page style", qra_param_set_page_style_column(raw, options.columns));
+    return param;
+}
+
+}  // namespace
+
+ListRequest::ListRequest(const ListOptions& options, const std::string& path) {
+    try {
+        send(options, path);
+        const qra_event_e event = wait_for_answer();
+        if (event == QRA_EVENT_LIST_FAILED) {
+            throw CommandError(ExitStatus::RequestFailed,
+                               "the list request failed (QRA_LOG=warning tells why)");
+        }
+        lay_out(options);
+    } catch (...) {
+        qra_disconnect_v2(handle_);
+        throw;
+    }
+}
+
+ListRequest::~ListRequest() {
+    qra_disconnect_v2(handle_);
+}
+
+void ListRequest::send(const ListOptions& options, const std::string& path) {
+    const GeneralParam param = general_param(options, path);
+    check("list request", qra_request_list_v2(param.get(), on_list_complete, this, &handle_));
+}
+
+bool ListRequest::on_list_complete(void* user_data, CQRAAgentHandle*, qra_event_e event, int, const char*) {
+    auto* request = static_cast<ListRequest*>(user_data);
+    const std::lock_guard<std::mutex> lock(request->mutex_);
+    if (!request->event_) {
+        request->event_ = event;
+        request->answered_.notify_one();
+    }
+    return true;
+}
+
+qra_event_e ListRequest::wait_for_answer() {
+    const interrupt::Reaction wake([this] {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        interrupted_ = true;
+        answered_.notify_one();
+    });
+    std::unique_lock<std::mutex> lock(mutex_);
+    answered_.wait(lock, [this] { return event_.has_value() || interrupted_; });
+    if (!event_) {
+        throw CommandError(ExitStatus::RequestFailed, "interrupted");
+    }
+    return *event_;
+}
+
+void ListRequest::lay_out(const ListOptions& options) {
+    if (options.group >= 0) {
+        check_group(options);
+    }
+    apply(options);
+}
+
+void ListRequest::check_group(const ListOptions& options) {
+    ListOptions headers_only = options;
+    headers_only.mask = kGroupHeaders;
+    headers_only.group = -1;
+    apply(headers_only);
+    if (tile_count_ > 0 && options.group >= tile_count_) {
+        throw CommandError(ExitStatus::RequestFailed, "there is no group " + std::to_string(options.group) +
+                                                          ": the list has " + std::to_string(tile_count_));
+    }
+}
+
+void ListRequest::apply(const ListOptions& options) {
+    const PageParam style = page_param(options);
+    check("page style", qra_set_page_style_v2(handle_, style.get()));
+    check("item count", qra_get_item_count_v2(handle_, &tile_count_));
+}
+
+int ListRequest::count_of(qra_media_type_e type) const {
+    int count = 0;
+    return qra_get_item_count_by_type_v2(handle_, type, &count) == QRA_ERROR_NONE ? count : 0;
+}
+
+std::string ListRequest::item(int index) {
+    char* text = nullptr;
+    check("tile " + std::to_string(index), qra_get_item_v2(handle_, index, &text));
+    const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
+    return text;
+}
+
+void ListRequest::move_to(int index) {
+    check("tile " + std::to_string(index), qra_move_to_index_v2(handle_, index));
+}

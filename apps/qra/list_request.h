@@ -1,0 +1,67 @@
+#ifndef QRA_APPS_QRA_LIST_REQUEST_H
+#define QRA_APPS_QRA_LIST_REQUEST_H
+
+#include <qra/qra_content_agent.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <string>
+
+/// What `qra list` and `qra get` ask for.
+struct ListOptions {
+    std::string source = "SOURCE_MSC";
+    std::string content_type = "CONTENT-FOLDER";
+    std::string sort_category = "CATEGORY-FOLDER-TITLE";
+    std::string keyword;
+    std::string extension;  ///< the JSON text of the extension lists
+    bool uhd = false;
+    int mask = 0x26;  ///< folders, media, and the up-folder tile
+    qra_page_order_e order = QRA_PAGE_ORDER_COLUMN;
+    int group = -1;
+    int rows = 2;
+    int columns = 9;
+};
+
+/// One list request from its start to its disconnect, for the thread that makes it. The library's callback
+/// only stores the event and wakes that thread.
+class ListRequest {
+public:
+    /// Sends the request, waits for the answer and lays out the page.
+    /// @throws CommandError when the library refuses the request or reports failure, or a signal comes
+    ListRequest(const ListOptions& options, const std::string& path);
+    ~ListRequest();
+    ListRequest(const ListRequest&) = delete;
+    ListRequest& operator=(const ListRequest&) = delete;
+
+    int tile_count() const { return tile_count_; }
+    int count_of(qra_media_type_e type) const;
+
+    /// The tile's text exactly as qra_get_item_v2() gives it; the cursor stands on the tile afterwards.
+    std::string item(int index);
+    void move_to(int index);
+
+    /// For reading values at the cursor.
+    qra_agent_handler_h handle() const { return handle_; }
+
+private:
+    static bool on_list_complete(void* user_data, CQRAAgentHandle* handle, qra_event_e event, int value,
+                                 const char* text);
+    void send(const ListOptions& options, const std::string& path);
+    qra_event_e wait_for_answer();
+    void lay_out(const ListOptions& options);
+    /// The library takes a group index as a promise that there is such a group; a page of nothing but group
+    /// headers tells how many there are.
+    void check_group(const ListOptions& options);
+    void apply(const ListOptions& options);
+
+    qra_agent_handler_h handle_ = nullptr;
+    int tile_count_ = 0;
+
+    std::mutex mutex_;  // covers the two below
+    std::condition_variable answered_;
+    std::optional<qra_event_e> event_;
+    bool interrupted_ = false;
+};
+
+#endif

@@ -1,0 +1,41 @@
+/* Lists a folder of an attached drive, a line of JSON for each tile: list_folder PATH */
+#include <qra/qra_content_agent.h>
+#include <semaphore.h>
+#include <stdio.h>
+#include <stdlib.h>
+
+static bool on_answer(void* answered, CQRAAgentHandle* list, qra_event_e event, int value, const char* text) {
+    (void)list, (void)event, (void)value, (void)text;
+    return sem_post(answered) == 0; /* on a thread of the library */
+}
+
+int main(int argc, char** argv) {
+    sem_t answered;
+    qra_general_param_h request = NULL;
+    qra_page_param_h page = NULL;
+    qra_agent_handler_h list = NULL; /* null: a new request */
+    char* tile = NULL;
+    int count = 0;
+
+    sem_init(&answered, 0, 0);
+    qra_create_general_param(&request);
+    qra_param_set_general_source(request, "SOURCE_MSC");
+    qra_param_set_general_path(request, argc > 1 ? argv[1] : "");
+    qra_param_set_general_sort_category(request, "CATEGORY-FOLDER-TITLE");
+    qra_param_set_general_content_type(request, "CONTENT-FOLDER");
+    if (argc < 2 || qra_request_list_v2(request, on_answer, &answered, &list) != QRA_ERROR_NONE)
+        return EXIT_FAILURE;
+    sem_wait(&answered);
+    qra_create_page_param(&page);              /* pages of 2 rows and 9 columns */
+    qra_param_set_page_style_mask(page, 0x26); /* with folders, media and the up-folder tile */
+    qra_set_page_style_v2(list, page);
+    qra_get_item_count_v2(list, &count);
+    for (int index = 0; index < count && qra_get_item_v2(list, index, &tile) == QRA_ERROR_NONE; ++index) {
+        fputs(tile, stdout);
+        free(tile);
+    }
+    qra_disconnect_v2(list);
+    qra_destroy_page_param(page);
+    qra_destroy_general_param(request);
+    return EXIT_SUCCESS;
+}
