@@ -1,0 +1,61 @@
+#ifndef QRA_TESTS_FAKES_FAKE_ENGINE_H
+#define QRA_TESTS_FAKES_FAKE_ENGINE_H
+
+#include <gio/gio.h>
+
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+/**
+ * A content engine that a test scripts: it owns the engine's name on the bus of DBUS_SYSTEM_BUS_ADDRESS and
+ * answers each method with what the test told it, with a D-Bus error where it told nothing.
+ *
+ * Run the test program through scripts/with-bus. Answers and signals are written in GVariant's text form,
+ * such as
+ * "(uint32 7, 'text')". Calls are answered on a thread of GLib's; everything here may be called from any
+ * thread.
+ */
+class FakeEngine {
+public:
+    struct Call {
+        std::string method;
+        std::string arguments;  ///< in GVariant's text form, with types
+    };
+
+    FakeEngine();
+    ~FakeEngine();
+    FakeEngine(const FakeEngine&) = delete;
+    FakeEngine& operator=(const FakeEngine&) = delete;
+
+    /// Answers `method` with each of `replies` in turn; the last one stays. An empty reply is a D-Bus error.
+    void answer(const std::string& method, std::vector<std::string> replies);
+
+    /// Sends a signal of the engine to whoever listens.
+    void emit(const std::string& signal, const std::string& parameters);
+
+    /// What was called so far, in the order in which it came.
+    std::vector<Call> calls() const;
+
+    int count(const std::string& method) const;
+
+    /// Waits until `method` was called; false if it was not within ten seconds.
+    bool wait_for(const std::string& method) const;
+
+private:
+    static GDBusMessage* on_message(GDBusConnection* connection, GDBusMessage* message, gboolean incoming,
+                                    gpointer user_data);
+    GDBusMessage* reply_to(GDBusMessage* call);
+    std::string take_reply(const std::string& method);
+
+    GDBusConnection* connection_ = nullptr;
+    guint filter_ = 0;
+    mutable std::mutex mutex_;
+    mutable std::condition_variable called_;
+    std::map<std::string, std::vector<std::string>> replies_;  ///< under mutex_
+    std::vector<Call> calls_;                                  ///< under mutex_
+};
+
+#endif

@@ -1,0 +1,106 @@
+#include "common/cache/shm_object.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/fakes/dlog_capture.h"
+#include "tests/unit/datamodel/result_objects.h"
+
+namespace {
+
+TEST(CShmObject, ReadsWhatLiesWithinTheMappedBytes) {
+    const ShmFile file("headertext and more");
+    CShmObject object(file.name());
+    char header[6] = {};
+
+    ASSERT_TRUE(object.Open(header, sizeof(header)));
+    ASSERT_TRUE(object.Map(14));
+
+    EXPECT_EQ(std::string(header, sizeof(header)), "header");
+    std::string text;
+    EXPECT_TRUE(object.ReadText(6, 8, text));
+    EXPECT_EQ(text, "text and");
+    EXPECT_TRUE(object.ReadText(14, 0, text));
+    EXPECT_EQ(text, "");
+}
+
+TEST(CShmObject, RefusesEveryRangeThatLeavesTheMappedBytes) {
+    const ShmFile file("0123456789abcdef");
+    CShmObject object(file.name());
+    char header[1];
+    ASSERT_TRUE(object.Open(header, sizeof(header)));
+    ASSERT_TRUE(object.Map(10));
+    std::string text = "untouched";
+    const LogCapture log;
+
+    EXPECT_FALSE(object.ReadText(-1, 1, text));
+    EXPECT_FALSE(object.ReadText(0, -1, text));
+    EXPECT_FALSE(object.ReadText(0, 11, text));
+    EXPECT_FALSE(object.ReadText(10, 1, text));
+    EXPECT_FALSE(object.ReadText(11, 0, text));
+    EXPECT_FALSE(object.ReadText(INT64_MAX, INT64_MAX, text));
+
+    EXPECT_EQ(text, "untouched");
+    EXPECT_EQ(log.count("do not lie in the object[" + file.name() + "]."), 6);
+}
+
+TEST(CShmObject, HoldsCountsEntriesWithoutOverflow) {
+    const ShmFile file("0123456789abcdef");
+    CShmObject object(file.name());
+    char header[1];
+    ASSERT_TRUE(object.Open(header, sizeof(header)));
+    ASSERT_TRUE(object.Map(16));
+
+    EXPECT_TRUE(object.Holds(0, 2, 8));
+    EXPECT_TRUE(object.Holds(16, 0, 8));
+    EXPECT_FALSE(object.Holds(1, 2, 8));
+    EXPECT_FALSE(object.Holds(0, -1, 8));
+    EXPECT_FALSE(object.Holds(0, INT64_MAX, 8));
+}
+
+TEST(CShmObject, AnObjectShorterThanItClaimsIsNotMapped) {
+    const ShmFile file("0123456789");
+    CShmObject object(file.name());
+    char header[1];
+    ASSERT_TRUE(object.Open(header, sizeof(header)));
+    const LogCapture log;
+
+    EXPECT_FALSE(object.Map(11));
+    EXPECT_FALSE(object.Map(0));
+    EXPECT_FALSE(object.Map(-1));
+
+    EXPECT_TRUE(log.contains("Object[" + file.name() + "] of 10 bytes claims to have 11."));
+}
+
+TEST(CShmObject, AReadAfterTheWriterShortenedTheObjectFails) {
+    const ShmFile file(std::string(3 * 4096, 'x'));
+    CShmObject object(file.name());
+    char header[1];
+    ASSERT_TRUE(object.Open(header, sizeof(header)));
+    ASSERT_TRUE(object.Map(3 * 4096));
+
+    file.truncate(4096);
+
+    std::string text;
+    EXPECT_TRUE(object.ReadText(0, 4096, text));
+    EXPECT_FALSE(object.ReadText(4096, 1, text));
+}
+
+TEST(CShmObject, AnUnknownNameIsNotOpened) {
+    const LogCapture log;
+    CShmObject object("qra_test_no_such_object");
+    char header[1];
+
+    EXPECT_FALSE(object.Open(header, sizeof(header)));
+
+    EXPECT_TRUE(log.contains("shm_open failed, m_strShmName[qra_test_no_such_object]."));
+}
+
+TEST(CShmObjectDeathTest, AShortHeaderIsAnAssertion) {
+    const ShmFile file("123");
+    CShmObject object(file.name());
+    char header[4];
+
+    EXPECT_DEATH(object.Open(header, sizeof(header)), "ret == 1");
+}
+
+}  // namespace

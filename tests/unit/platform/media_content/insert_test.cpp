@@ -1,0 +1,97 @@
+#include <filesystem>
+
+#include "tests/unit/platform/media_content/contract.h"
+#include "tests/unit/platform/media_content/temporary_database.h"
+
+namespace media_content {
+namespace {
+
+class Insert : public TemporaryDatabase {
+protected:
+    void copy_fixture(const std::string& fixture, const std::string& name) {
+        const std::filesystem::path target = root() + "/stick/" + name;
+        std::filesystem::create_directories(target.parent_path());
+        std::filesystem::copy_file(std::string(QRA_FIXTURES) + "/" + fixture, target);
+    }
+
+    /// The result, and the row where there is one.
+    int insert(const std::string& path, MediaHandle& media) {
+        media_info_h handle = nullptr;
+        const int result = media_info_insert_to_db(path.c_str(), &handle);
+        media.reset(handle);
+        return result;
+    }
+    int insert(const std::string& path) {
+        MediaHandle media;
+        return insert(path, media);
+    }
+};
+
+TEST_F(Insert, OfAPictureReadsIt) {
+    copy_fixture("pictures/photo.jpg", "PHOTO/photo.jpg");
+    MediaHandle media;
+    ASSERT_EQ(insert(drive().link_path() + "/PHOTO/photo.jpg", media), 0);
+    image_meta_h image = nullptr;
+    ASSERT_EQ(media_info_get_image(media.get(), &image), 0);
+    EXPECT_GT(int_of(image_meta_get_width, image), 0);
+    image_meta_destroy(image);
+    EXPECT_EQ(text_of(media_info_get_file_path, media.get()), drive().link_path() + "/PHOTO/photo.jpg");
+    EXPECT_EQ(number("SELECT count(*) FROM media"), 1);
+    EXPECT_EQ(folder_names(TestFilter(drive().id, "FOLDER_NAME = 'PHOTO'")), Names{"PHOTO"});
+}
+
+TEST_F(Insert, OfAPathInTheAttachedDirectoryItself) {
+    copy_fixture("music/song.mp3", "song.mp3");
+    MediaHandle media;
+    ASSERT_EQ(insert(root() + "/stick/song.mp3", media), 0);
+    EXPECT_EQ(text_of(media_info_get_file_path, media.get()), drive().link_path() + "/song.mp3");
+}
+
+TEST_F(Insert, TwiceKeepsTheId) {
+    copy_fixture("music/song.mp3", "song.mp3");
+    MediaHandle first;
+    MediaHandle second;
+    ASSERT_EQ(insert(drive().link_path() + "/song.mp3", first), 0);
+    ASSERT_EQ(insert(drive().link_path() + "/song.mp3", second), 0);
+    EXPECT_EQ(text_of(media_info_get_media_id, first.get()), text_of(media_info_get_media_id, second.get()));
+}
+
+TEST_F(Insert, OfABrokenFileListsItWithWhatIsKnown) {
+    copy_fixture("broken/text.jpg", "text.jpg");
+    MediaHandle media;
+    ASSERT_EQ(insert(drive().link_path() + "/text.jpg", media), 0);
+    EXPECT_EQ(int_of(media_info_get_media_type, media.get()), MEDIA_CONTENT_TYPE_IMAGE);
+    EXPECT_EQ(text_of(media_info_get_mime_type, media.get()), "image/jpeg");
+}
+
+TEST_F(Insert, OfAFileOfNoMediaTypeIsRefused) {
+    write_file("stick/notes.txt");
+    write_file("stick/.hidden.jpg");
+    write_file("stick/.dir/a.jpg");
+    for (const char* name : {"/notes.txt", "/.hidden.jpg", "/.dir/a.jpg"}) {
+        EXPECT_EQ(insert(drive().link_path() + name), MEDIA_CONTENT_ERROR_NOT_SUPPORTED) << name;
+    }
+    EXPECT_EQ(number("SELECT count(*) FROM media"), 0);
+}
+
+TEST_F(Insert, OfWhatIsNoFileOnADriveIsRefused) {
+    write_file("outside.jpg");
+    directory("stick/dir.jpg");
+    std::filesystem::create_symlink(root() + "/outside.jpg", root() + "/stick/link.jpg");
+    for (const std::string& path :
+         {root() + "/outside.jpg", drive().link_path() + "/nothing.jpg", drive().link_path() + "/dir.jpg",
+          drive().link_path() + "/link.jpg", drive().link_path(), drive().link_path() + "/no/dir.jpg",
+          std::string(), "/" + std::string(4000, 'x')}) {
+        EXPECT_EQ(insert(path), MEDIA_CONTENT_ERROR_NOT_FOUND) << path;
+    }
+    EXPECT_EQ(number("SELECT count(*) FROM media"), 0);
+}
+
+TEST_F(Insert, NullArgumentsAreRefused) {
+    media_info_h media = nullptr;
+    EXPECT_EQ(media_info_insert_to_db(nullptr, &media), MEDIA_CONTENT_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(media_info_insert_to_db("/x", nullptr), MEDIA_CONTENT_ERROR_INVALID_PARAMETER);
+}
+
+}  // namespace
+}  // namespace media_content
