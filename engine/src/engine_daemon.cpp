@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstdint>
+#include <utility>
 
 #include "engine/src/bus_call.h"
 #include "engine/src/engine_log.h"
@@ -19,11 +20,11 @@ constexpr uint32_t kDoNotQueue = 4;
 
 }  // namespace
 
-EngineDaemon::EngineDaemon(double idle_seconds)
+EngineDaemon::EngineDaemon(EngineSetup setup, double idle_seconds)
     : idle_limit_(static_cast<gint64>(idle_seconds * G_USEC_PER_SEC)),
       last_use_(g_get_monotonic_time()),
       loop_(g_main_loop_new(nullptr, FALSE)),
-      service_([this] { last_use_ = g_get_monotonic_time(); }) {}
+      setup_(std::move(setup)) {}
 
 int EngineDaemon::run() {
     ErrorOut error;
@@ -33,7 +34,9 @@ int EngineDaemon::run() {
         return 1;
     }
     g_dbus_connection_set_exit_on_close(bus_.get(), FALSE);
-    if (!service_.offer(bus_.get()) || !take_name()) {
+    service_ = std::make_unique<EngineService>(bus_.get(), std::move(setup_),
+                                               [this] { last_use_ = g_get_monotonic_time(); });
+    if (!service_->offer() || !take_name()) {
         return 1;
     }
     ENGINE_INFO("%s is up", com_morva_qra_engine_interface.name);
@@ -84,6 +87,9 @@ int EngineDaemon::on_signal(void* self) {
 
 int EngineDaemon::on_idle_timer(void* self) {
     auto* daemon = static_cast<EngineDaemon*>(self);
+    if (daemon->service_->in_use()) {
+        daemon->last_use_ = g_get_monotonic_time();
+    }
     const gint64 remaining = daemon->last_use_ + daemon->idle_limit_ - g_get_monotonic_time();
     if (remaining > 0) {
         daemon->start_idle_timer(remaining);

@@ -3,6 +3,8 @@
 
 #include <gio/gio.h>
 
+#include <memory>
+
 #include "engine/src/engine_service.h"
 #include "engine/src/glib_ptr.h"
 
@@ -16,8 +18,8 @@ namespace engine {
  */
 class EngineDaemon {
 public:
-    /// Ends after `idle_seconds` without a call; 0 means never.
-    explicit EngineDaemon(double idle_seconds);
+    /// Ends after `idle_seconds` without a call and with nothing kept for a client; 0 means never.
+    EngineDaemon(EngineSetup setup, double idle_seconds);
 
     /// Serves until the end. The exit status: 1, after a log line, if there is no bus or the name is taken,
     /// else 0.
@@ -36,8 +38,9 @@ private:
     const gint64 idle_limit_;  ///< microseconds
     gint64 last_use_;          ///< monotonic time, microseconds
     MainLoopPtr loop_;
+    EngineSetup setup_;  ///< until the service takes it
     ConnectionPtr bus_;
-    EngineService service_;
+    std::unique_ptr<EngineService> service_;
 };
 
 }  // namespace engine

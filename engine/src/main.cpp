@@ -53,5 +53,5 @@ int main(int argc, char** argv) {
                     QRA_CONTENT_AGENT_VERSION_MINOR, QRA_CONTENT_AGENT_VERSION_PATCH);
         return 0;
     }
-    return engine::EngineDaemon(options.idle_seconds).run();
+    return engine::EngineDaemon(engine::EngineSetup(), options.idle_seconds).run();
 }
