@@ -5,8 +5,8 @@
 
 namespace {
 
-constexpr int64_t kWord = sizeof(int32_t);
-constexpr int64_t kPair = 2 * kWord;
+constexpr int64_t kTextOffset = sizeof(_stQRATextOffset);
+constexpr int64_t kGroup = sizeof(_stQRAGroupEntry);
 
 }  // namespace
 
@@ -26,17 +26,17 @@ bool CCacheReader::m_Load() {
 bool CCacheReader::m_IsConsistent() const {
     const int64_t nItemCount = int64_t{m_Header.nEndIndex} - m_Header.nStartIndex + 1;
     return m_Header.nStartIndex >= 0 && m_Header.nTotalCount >= 0 && nItemCount <= INT32_MAX &&
-           m_Object.Holds(m_Header.nItemTableOffset, nItemCount, kWord) &&
-           m_Object.Holds(m_Header.nGroupTableOffset, m_Header.nNumberOfGroups, kPair);
+           m_Object.Holds(m_Header.nItemTableOffset, nItemCount, kTextOffset) &&
+           m_Object.Holds(m_Header.nGroupTableOffset, m_Header.nNumberOfGroups, kGroup);
 }
 
 bool CCacheReader::GetGroup(int nIndex, int& nBegin, int& nEnd) const {
-    int32_t group[2];
+    _stQRAGroupEntry stGroup;
     if (nIndex < 0 || nIndex >= GetGroupCount() ||
-        !m_Object.Read(m_Header.nGroupTableOffset + nIndex * kPair, group, sizeof(group)))
+        !m_Object.Read(m_Header.nGroupTableOffset + nIndex * kGroup, &stGroup, sizeof(stGroup)))
         return false;
-    nBegin = group[0];
-    nEnd = group[1];
+    nBegin = stGroup.nFirstIndex;
+    nEnd = stGroup.nLastIndex;
     return true;
 }
 
@@ -47,9 +47,9 @@ bool CCacheReader::GetItem(int nIndex, std::string& strItem) const {
     QRA_ASSERT(nIndex >= 0 && nIndex < nItemCount);
 
     // The last text ends where the group table starts, each other one where the next text starts.
-    int32_t offset[2] = {0, m_Header.nGroupTableOffset};
+    _stQRATextOffset offset[2] = {0, m_Header.nGroupTableOffset};
     const size_t nWords = nIndex + 1 < nItemCount ? 2 : 1;
-    if (!m_Object.Read(m_Header.nItemTableOffset + nIndex * kWord, offset, nWords * kWord))
+    if (!m_Object.Read(m_Header.nItemTableOffset + nIndex * kTextOffset, offset, nWords * kTextOffset))
         return false;
     return m_Object.ReadText(offset[0], int64_t{offset[1]} - offset[0], strItem);
 }

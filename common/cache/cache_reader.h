@@ -1,24 +1,10 @@
 #ifndef QRA_COMMON_CACHE_CACHE_READER_H
 #define QRA_COMMON_CACHE_CACHE_READER_H
 
-#include <cstdint>
 #include <string>
 
 #include "common/cache/shm_object.h"
-
-/// Start of a block object, as the content engine writes it: 32-bit words in the machine's byte order,
-/// offsets in bytes from the start of the object.
-struct _stQRABlockHeader {
-    int32_t
-        nGroupTableOffset;     ///< pairs of words: first index, last index; also the byte after the last text
-    int32_t nItemTableOffset;  ///< one word for each item: the offset of its text
-    int32_t nStartIndex;
-    int32_t nEndIndex;
-    int32_t nTotalCount;
-    int32_t nNumberOfGroups;
-    int32_t nTotalSize;
-};
-static_assert(sizeof(_stQRABlockHeader) == 28, "the block header is part of the format");
+#include "common/datamodel/result_list_layout.h"
 
 /**
  * One block of a result list: item texts that the content engine wrote to shared memory.

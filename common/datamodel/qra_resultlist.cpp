@@ -5,8 +5,9 @@
 
 namespace {
 
-constexpr int64_t kPair = 2 * sizeof(int32_t);
-constexpr int64_t kBlockName = 128;
+constexpr int64_t kGroup = sizeof(_stQRAGroupEntry);
+constexpr int64_t kItemPlace = sizeof(_stQRAItemPlace);
+constexpr int64_t kBlockName = kQRABlockNameLength;
 constexpr int64_t kGroupTableOffset = sizeof(_stQRAResultListHeader);
 
 }  // namespace
@@ -29,18 +30,18 @@ bool CResultList::m_IsConsistent() const {
     // No list is so long that it has an item of the largest number; cursors may count one beyond an item.
     return m_Header.nStartIndex >= 0 && m_Header.nStartIndex < INT32_MAX && m_Header.nEndIndex < INT32_MAX &&
            m_Header.nSectionIndex >= 0 && m_Header.nTotalCount >= 0 &&
-           m_Object.Holds(kGroupTableOffset, m_Header.nNumberOfGroups, kPair) &&
-           m_Object.Holds(m_Header.nIndexTableOffset, nItemCount, kPair) &&
+           m_Object.Holds(kGroupTableOffset, m_Header.nNumberOfGroups, kGroup) &&
+           m_Object.Holds(m_Header.nIndexTableOffset, nItemCount, kItemPlace) &&
            m_Object.Holds(m_Header.nBlockNameOffset, m_Header.nNumberOfBlocks, kBlockName);
 }
 
 bool CResultList::GetGroup(int nIndex, int& nBegin, int& nEnd) const {
-    int32_t group[2];
+    _stQRAGroupEntry stGroup;
     if (nIndex < 0 || nIndex >= GetGroupCount() ||
-        !m_Object.Read(kGroupTableOffset + nIndex * kPair, group, sizeof(group)))
+        !m_Object.Read(kGroupTableOffset + nIndex * kGroup, &stGroup, sizeof(stGroup)))
         return false;
-    nBegin = group[0];
-    nEnd = group[1];
+    nBegin = stGroup.nFirstIndex;
+    nEnd = stGroup.nLastIndex;
     return true;
 }
 
@@ -55,12 +56,12 @@ bool CResultList::GetItem(int nListIndex, std::string& strItem, std::string& str
     const _stQRAResultListHeader* pHeader = &m_Header;
     QRA_ASSERT(nListIndex >= pHeader->nStartIndex && nListIndex <= pHeader->nEndIndex);
 
-    int32_t entry[2];
-    if (!m_Object.Read(pHeader->nIndexTableOffset + (nListIndex - pHeader->nStartIndex) * kPair, entry,
-                       sizeof(entry)))
+    _stQRAItemPlace stPlace;
+    if (!m_Object.Read(pHeader->nIndexTableOffset + (nListIndex - pHeader->nStartIndex) * kItemPlace,
+                       &stPlace, sizeof(stPlace)))
         return false;
-    nBlockItem = entry[1];
-    const CCacheReader* pReader = m_GetReader(entry[0], strBlockName);
+    nBlockItem = stPlace.nBlockItem;
+    const CCacheReader* pReader = m_GetReader(stPlace.nBlock, strBlockName);
     return pReader != nullptr && pReader->GetItem(nBlockItem, strItem);
 }
 

@@ -1,29 +1,13 @@
 #ifndef QRA_COMMON_DATAMODEL_QRA_RESULTLIST_H
 #define QRA_COMMON_DATAMODEL_QRA_RESULTLIST_H
 
-#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
 
 #include "common/cache/cache_reader.h"
 #include "common/cache/shm_object.h"
-
-/// Start of a result list object, as the content engine writes it: 32-bit words in the machine's byte order,
-/// offsets in bytes from the start of the object. The group table, pairs of first and last index, follows at
-/// once.
-struct _stQRAResultListHeader {
-    int32_t nBlockNameOffset;   ///< names of the blocks, each in a field of 128 bytes
-    int32_t nIndexTableOffset;  ///< for each item its block number and its item number in that block
-    int32_t nStartIndex;        ///< list index of the section's first item
-    int32_t nEndIndex;          ///< and of its last
-    int32_t nSectionIndex;
-    int32_t nTotalCount;  ///< items of the whole list
-    int32_t nNumberOfGroups;
-    int32_t nNumberOfBlocks;
-    int32_t nTotalSize;
-};
-static_assert(sizeof(_stQRAResultListHeader) == 36, "the result list header is part of the format");
+#include "common/datamodel/result_list_layout.h"
 
 /**
  * One section of a list that the content engine serves. It finds each item's block, maps a block at the first
@@ -53,7 +37,8 @@ public:
     /// First and last index of a group; false if there is no such group.
     bool GetGroup(int nIndex, int& nBegin, int& nEnd) const;
 
-    /// All 128 bytes of a block's name field, trailing NUL bytes included; false if there is no such block.
+    /// All kQRABlockNameLength bytes of a block's name field, trailing NUL bytes included; false if there is
+    /// no such block.
     bool GetBlockName(int nIndex, std::string& strName) const;
 
     /// Text of the item at a list index, the name of its block (as GetBlockName() gives it) and its number
