@@ -1,44 +1,16 @@
 #include "vconf.h"
 
-#include <fcntl.h>
 #include <glib.h>
-#include <sys/file.h>
-#include <unistd.h>
 
-#include <memory>
 #include <string>
+
+#include "platform/files/file_lock.h"
+#include "platform/files/key_file.h"
 
 namespace {
 
 constexpr char kGroup[] = "values";
-
-struct Deleter {
-    void operator()(GKeyFile* file) const { g_key_file_free(file); }
-    void operator()(gchar* text) const { g_free(text); }
-};
-using KeyFile = std::unique_ptr<GKeyFile, Deleter>;
-using Text = std::unique_ptr<gchar, Deleter>;
-
-/// Holds the lock between programs, and between the threads of one.
-class FileLock {
-public:
-    explicit FileLock(const std::string& path) : fd_(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
-        held_ = fd_ >= 0 && TEMP_FAILURE_RETRY(flock(fd_, LOCK_EX)) == 0;
-    }
-    ~FileLock() {
-        if (fd_ >= 0) {
-            close(fd_);
-        }
-    }
-    FileLock(const FileLock&) = delete;
-    FileLock& operator=(const FileLock&) = delete;
-
-    bool held() const { return held_; }
-
-private:
-    int fd_;
-    bool held_;
-};
+constexpr mode_t kRights = 0666;
 
 const std::string& directory() {
     static const std::string path = std::string(g_get_user_config_dir()) + "/qra-content-agent";
@@ -51,7 +23,7 @@ std::string file_path() {
 
 /// The name as a key file can hold it.
 std::string encoded(const char* key) {
-    const Text text(g_uri_escape_string(key, "/", FALSE));
+    const files::TextPtr text(g_uri_escape_string(key, "/", FALSE));
     return text.get();
 }
 
@@ -71,7 +43,7 @@ int vconf_get_int(const char* key, int* value) {
     if (key == nullptr || *key == '\0' || value == nullptr) {
         return VCONF_ERROR_PARAM;
     }
-    const KeyFile file(g_key_file_new());
+    const files::KeyFilePtr file(g_key_file_new());
     if (!load(file.get())) {
         return VCONF_ERROR_READ;
     }
@@ -96,15 +68,14 @@ int vconf_set_int(const char* key, int value) {
     if (g_mkdir_with_parents(directory().c_str(), 0700) != 0) {
         return VCONF_ERROR_WRITE;
     }
-    const FileLock lock(directory() + "/vconf.lock");
+    const auto lock = files::FileLock::on_file(directory() + "/vconf.lock");
     if (!lock.held()) {
         return VCONF_ERROR_WRITE;
     }
-    const KeyFile file(g_key_file_new());
+    const files::KeyFilePtr file(g_key_file_new());
     if (!load(file.get())) {
         return VCONF_ERROR_READ;
     }
     g_key_file_set_integer(file.get(), kGroup, encoded(key).c_str(), value);
-    const bool saved = g_key_file_save_to_file(file.get(), file_path().c_str(), nullptr);
-    return saved ? VCONF_OK : VCONF_ERROR_WRITE;
+    return files::replace_key_file(file.get(), file_path(), kRights) ? VCONF_OK : VCONF_ERROR_WRITE;
 }

@@ -33,17 +33,6 @@ struct CloseDirectory {
 
 }  // namespace
 
-Descriptor::~Descriptor() {
-    if (number_ >= 0) {
-        close(number_);
-    }
-}
-
-Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
-    std::swap(number_, other.number_);
-    return *this;
-}
-
 int64_t modified_ns(const struct stat& status) {
     return int64_t{status.st_mtim.tv_sec} * 1000000000 + status.st_mtim.tv_nsec;
 }

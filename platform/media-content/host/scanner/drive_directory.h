@@ -9,25 +9,13 @@
 #include <string>
 #include <vector>
 
+#include "platform/files/descriptor.h"
 #include "platform/media-content/host/database/media_writer.h"
 #include "platform/media-content/host/metadata/media_types.h"
 
 namespace media_content {
 
-/// An open file or directory, closed at the end.
-class Descriptor {
-public:
-    explicit Descriptor(int number = -1) : number_(number) {}
-    ~Descriptor();
-    Descriptor(Descriptor&& other) noexcept : number_(other.number_) { other.number_ = -1; }
-    Descriptor& operator=(Descriptor&& other) noexcept;
-
-    int get() const { return number_; }
-    explicit operator bool() const { return number_ >= 0; }
-
-private:
-    int number_;
-};
+using files::Descriptor;
 
 int64_t modified_ns(const struct stat& status);
 
