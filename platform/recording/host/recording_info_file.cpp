@@ -4,22 +4,19 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+
+#include "platform/files/descriptor.h"
+
 namespace recording {
 namespace {
 
 constexpr off_t kLargestFile = 1 << 20;
-
-struct FreeText {
-    void operator()(char* text) const { g_free(text); }
-};
-using Text = std::unique_ptr<char, FreeText>;
+constexpr mode_t kRightsBits = 0777;
+constexpr char kInfoExtension[] = ".inf";
+constexpr char kGroupOfNewFiles[] = "recording";
 
 bool read_whole(int descriptor, std::string& content) {
-    struct stat status {};
-    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > kLargestFile) {
-        return false;
-    }
-    content.resize(static_cast<size_t>(status.st_size));
     size_t done = 0;
     while (done < content.size()) {
         const ssize_t count = TEMP_FAILURE_RETRY(read(descriptor, &content[done], content.size() - done));
@@ -33,44 +30,61 @@ bool read_whole(int descriptor, std::string& content) {
 
 }  // namespace
 
-std::string info_file_name(const std::string& recording) {
+std::string companion_name(const std::string& recording, const char* extension) {
     const size_t slash = recording.rfind('/');
     const size_t dot = recording.rfind('.');
     const bool has_extension = dot != std::string::npos && (slash == std::string::npos || dot > slash);
-    return (has_extension ? recording.substr(0, dot) : recording) + ".inf";
+    return (has_extension ? recording.substr(0, dot) : recording) + extension;
 }
 
-bool InfoFile::load_beside(int directory, const std::string& name) {
-    const int descriptor =
-        openat(directory, info_file_name(name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW);
-    if (descriptor < 0) {
-        return false;
+std::string info_file_name(const std::string& recording) {
+    return companion_name(recording, kInfoExtension);
+}
+
+InfoFile::LoadResult InfoFile::load_beside(int directory, const std::string& name) {
+    const files::Descriptor descriptor(
+        openat(directory, info_file_name(name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
+    if (!descriptor) {
+        return errno == ENOENT ? LoadResult::kAbsent : LoadResult::kUnreadable;
     }
-    const bool loaded = load(descriptor);
-    close(descriptor);
-    return loaded;
+    return load(descriptor.get());
 }
 
-bool InfoFile::load(int descriptor) {
-    std::string content;
+InfoFile::LoadResult InfoFile::load(int descriptor) {
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > kLargestFile) {
+        return LoadResult::kUnreadable;
+    }
+    std::string content(static_cast<size_t>(status.st_size), '\0');
     if (!read_whole(descriptor, content)) {
-        return false;
+        return LoadResult::kUnreadable;
     }
-    std::unique_ptr<GKeyFile, Deleter> file(g_key_file_new());
-    if (!g_key_file_load_from_data(file.get(), content.data(), content.size(), G_KEY_FILE_NONE, nullptr)) {
-        return false;
+    constexpr auto kKeepAll =
+        static_cast<GKeyFileFlags>(G_KEY_FILE_KEEP_COMMENTS | G_KEY_FILE_KEEP_TRANSLATIONS);
+    files::KeyFilePtr file(g_key_file_new());
+    if (!g_key_file_load_from_data(file.get(), content.data(), content.size(), kKeepAll, nullptr)) {
+        return LoadResult::kUnreadable;
     }
-    const Text group(g_key_file_get_start_group(file.get()));
+    const files::TextPtr group(g_key_file_get_start_group(file.get()));
     if (!group) {
-        return false;
+        return LoadResult::kUnreadable;
     }
     file_ = std::move(file);
     group_ = group.get();
-    return true;
+    rights_ = status.st_mode & kRightsBits;
+    changed_ = false;
+    return LoadResult::kLoaded;
+}
+
+void InfoFile::start() {
+    file_.reset(g_key_file_new());
+    group_ = kGroupOfNewFiles;
+    changed_ = true;
 }
 
 std::string InfoFile::text(const char* key) const {
-    const Text value(file_ ? g_key_file_get_string(file_.get(), group_.c_str(), key, nullptr) : nullptr);
+    const files::TextPtr value(file_ ? g_key_file_get_string(file_.get(), group_.c_str(), key, nullptr)
+                                     : nullptr);
     return value ? value.get() : "";
 }
 
@@ -81,6 +95,31 @@ int InfoFile::number(const char* key) const {
 bool InfoFile::flag(const char* key) const {
     const std::string value = text(key);
     return value == "true" || (value != "false" && number(key) != 0);
+}
+
+void InfoFile::set_text(const char* key, const std::string& value) {
+    if (text(key) != value) {
+        g_key_file_set_string(file_.get(), group_.c_str(), key, value.c_str());
+        changed_ = true;
+    }
+}
+
+void InfoFile::set_number(const char* key, int value) {
+    if (number(key) != value) {
+        g_key_file_set_integer(file_.get(), group_.c_str(), key, value);
+        changed_ = true;
+    }
+}
+
+void InfoFile::set_flag(const char* key, bool value) {
+    if (flag(key) != value) {
+        g_key_file_set_boolean(file_.get(), group_.c_str(), key, value);
+        changed_ = true;
+    }
+}
+
+bool InfoFile::store_beside(const std::string& name) const {
+    return files::replace_key_file(file_.get(), info_file_name(name), rights_);
 }
 
 }  // namespace recording

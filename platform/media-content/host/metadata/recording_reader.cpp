@@ -78,7 +78,7 @@ void take_fields(const recording::InfoFile& info, RecordingMetadata& recording) 
 
 const char* read_recording(int directory, const std::string& name, RecordingMetadata& recording) {
     recording::InfoFile info;
-    const bool readable = info.load_beside(directory, name);
+    const bool readable = info.load_beside(directory, name) == recording::InfoFile::LoadResult::kLoaded;
     take_fields(info, recording);
     if (recording.program_title.empty()) {
         recording.program_title = name.substr(0, name.rfind('.'));
