@@ -34,9 +34,9 @@ constexpr const char* kViews =
 constexpr const char* kFooter =
     "Exit status: 0 success, 1 usage, 2 the request failed, 3 the engine or a service is not there.\n"
     "Environment: QRA_DATA_DIR the media database's directory, QRA_MEDIA_ROOT where drives are linked,\n"
-    "QRA_ENGINE the content engine to start where the system has none, QRA_LOG=warning, info or debug shows "
-    "the\n"
-    "library's log, NO_COLOR.";
+    "QRA_ENGINE the content engine to start where the system has none, QRA_ACCOUNTS the file of your "
+    "accounts,\n"
+    "QRA_LOG=warning, info or debug shows the library's log, NO_COLOR.";
 
 std::string version_text() {
     return "qra " + std::to_string(QRA_CONTENT_AGENT_VERSION_MAJOR) + "." +
@@ -128,6 +128,29 @@ void add_browse_commands(CLI::App& app, CommandLine& line) {
     get->callback([&line] { line.command = run_get; });
 }
 
+void add_account_commands(CLI::App& app, CommandLine& line) {
+    CLI::App* account =
+        app.add_subcommand("account", "Accounts with services of the network that the content engine uses");
+    account->require_subcommand(1);
+
+    CLI::App* add = account->add_subcommand("add", "Store an account, for you alone");
+    add->add_option("NAME", line.account.name, "How it is called from now on")->required();
+    add->add_option("--plugin", line.account.plugin, "The kind of service: webdav, feed")->required();
+    add->add_option("--address", line.account.address, "Its URL, without user and password")->required();
+    add->add_option("--user", line.account.user, "The user's name there");
+    add->add_flag("--password-stdin", line.account.password_from_stdin,
+                  "Read the password, one line, from the standard input");
+    add->callback([&line] { line.command = run_account_add; });
+
+    CLI::App* list = account->add_subcommand("list", "Show the accounts, without their passwords");
+    list->add_flag("--json", line.json, "One JSON object for each account, one on a line");
+    list->callback([&line] { line.command = run_account_list; });
+
+    CLI::App* remove = account->add_subcommand("remove", "Forget an account and its password");
+    remove->add_option("NAME", line.account.name, "The account")->required();
+    remove->callback([&line] { line.command = run_account_remove; });
+}
+
 }  // namespace
 
 std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine& command_line) {
@@ -138,6 +161,7 @@ std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine&
     app.footer(kFooter);
     add_drive_commands(app, command_line);
     add_browse_commands(app, command_line);
+    add_account_commands(app, command_line);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -11,6 +11,15 @@
 struct CommandLine;
 using Command = void (*)(const CommandLine&);
 
+/// An account of the content engine.
+struct AccountOptions {
+    std::string name;
+    std::string plugin;
+    std::string address;
+    std::string user;
+    bool password_from_stdin = false;
+};
+
 /// What the user asked for. Each command uses the fields that its options fill.
 struct CommandLine {
     Command command = nullptr;
@@ -24,6 +33,7 @@ struct CommandLine {
     int limit = -1;  ///< negative: all
     int index = 0;
     std::vector<std::string> fields;
+    AccountOptions account;
 };
 
 /// Reads the command line. Prints help, the version, or what is wrong with the arguments.

@@ -27,10 +27,6 @@ const char* state_of(const Drive& drive) {
     }
 }
 
-std::string padded(const std::string& text, std::size_t width) {
-    return text + std::string(width - std::min(width, cell_width(text)) + 2, ' ');
-}
-
 }  // namespace
 
 void run_attach(const CommandLine& line) {

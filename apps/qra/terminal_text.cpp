@@ -91,6 +91,10 @@ std::size_t cell_width(std::string_view text) {
     return cells;
 }
 
+std::string padded(const std::string& text, std::size_t width) {
+    return text + std::string(width - std::min(width, cell_width(text)) + 2, ' ');
+}
+
 std::string fit_to_cells(std::string_view text, std::size_t cells, std::string_view ellipsis) {
     const std::size_t width = cell_width(text);
     if (width <= cells) {

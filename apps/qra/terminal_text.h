@@ -19,6 +19,10 @@ std::size_t cell_width(std::string_view text);
 /// its end.
 std::string fit_to_cells(std::string_view text, std::size_t cells, std::string_view ellipsis);
 
+/// Printable text as a column of that many terminal cells, with the two blanks that part it from the next
+/// one.
+std::string padded(const std::string& text, std::size_t width);
+
 /// "0 B", "999 B", "1.0 kB", "4.2 MB", "17 GB": decimal units, two digits or more.
 std::string readable_size(std::uint64_t bytes);
 

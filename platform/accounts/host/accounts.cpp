@@ -13,13 +13,15 @@
 #include <unordered_set>
 #include <vector>
 
-#include "platform/vconf/host/key_file_store.h"
+#include "platform/files/descriptor.h"
+#include "platform/files/file_lock.h"
+#include "platform/files/key_file.h"
 
 namespace {
 
-using platform::FileLock;
-using platform::KeyFilePtr;
-using platform::KeyFileText;
+using files::FileLock;
+using files::KeyFilePtr;
+using files::TextPtr;
 
 constexpr size_t kLongestName = 128;
 constexpr size_t kLongestText = 4096;
@@ -61,7 +63,7 @@ std::string file_path(uid_t user) {
 }
 
 std::string directory_of(const std::string& path) {
-    const KeyFileText directory(g_path_get_dirname(path.c_str()));
+    const TextPtr directory(g_path_get_dirname(path.c_str()));
     return directory.get();
 }
 
@@ -86,8 +88,7 @@ bool read_all(int fd, std::string& content) {
     content.resize(static_cast<size_t>(status.st_size));
     size_t filled = 0;
     while (filled < content.size()) {
-        const ssize_t got =
-            TEMP_FAILURE_RETRY(read(fd, content.data() + filled, content.size() - filled));
+        const ssize_t got = TEMP_FAILURE_RETRY(read(fd, content.data() + filled, content.size() - filled));
         if (got < 0) {
             return false;
         }
@@ -106,20 +107,19 @@ int load(GKeyFile* file, uid_t user) {
     if (path.empty()) {
         return ACCOUNT_OK;
     }
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-    if (fd < 0) {
+    const files::Descriptor stored(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    if (!stored) {
         return errno == ENOENT ? ACCOUNT_OK : errno == ELOOP ? ACCOUNT_ERROR_UNSAFE : ACCOUNT_ERROR_READ;
     }
-    std::string content;
-    const bool safe = is_safe_file(fd, user) && is_safe_directory(directory_of(path), user);
-    const bool read = safe && read_all(fd, content);
-    close(fd);
-    if (!safe) {
+    if (!is_safe_file(stored.get(), user) || !is_safe_directory(directory_of(path), user)) {
         return ACCOUNT_ERROR_UNSAFE;
     }
-    const bool loaded =
-        read && (content.empty() || g_key_file_load_from_data(file, content.data(), content.size(),
-                                                              G_KEY_FILE_KEEP_COMMENTS, nullptr));
+    std::string content;
+    if (!read_all(stored.get(), content)) {
+        return ACCOUNT_ERROR_READ;
+    }
+    const bool loaded = content.empty() || g_key_file_load_from_data(file, content.data(), content.size(),
+                                                                     G_KEY_FILE_KEEP_COMMENTS, nullptr);
     return loaded ? ACCOUNT_OK : ACCOUNT_ERROR_READ;
 }
 
@@ -168,14 +168,15 @@ bool is_account(const account_s* account) {
 
 /// The account's name as a key file can hold it.
 std::string group_of(const char* name) {
-    return platform::key_file_name(name, nullptr);
+    const TextPtr group(g_uri_escape_string(name, nullptr, FALSE));
+    return group.get();
 }
 
 /// Hands the account of that group to the callback; false if it lacks what an account needs.
 bool hand_out(GKeyFile* file, const char* group, account_cb callback, void* user_data, bool& go_on) {
-    const KeyFileText name(g_uri_unescape_string(group, nullptr));
+    const TextPtr name(g_uri_unescape_string(group, nullptr));
     account_s account = {name.get(), "", "", "", ""};
-    KeyFileText texts[std::size(kFields)];
+    TextPtr texts[std::size(kFields)];
     for (size_t i = 0; i < std::size(kFields); ++i) {
         texts[i].reset(g_key_file_get_string(file, group, kFields[i].key, nullptr));
         if (texts[i]) {
@@ -200,7 +201,7 @@ int change_stored(const Change& change) {
     if (!is_safe_directory(directory, geteuid())) {
         return ACCOUNT_ERROR_UNSAFE;
     }
-    const FileLock lock(path + ".lock");
+    const FileLock lock = FileLock::on_file(path + ".lock");
     if (!lock.held()) {
         return ACCOUNT_ERROR_WRITE;
     }
@@ -209,7 +210,7 @@ int change_stored(const Change& change) {
     if (result == ACCOUNT_OK) {
         result = change(file.get());
     }
-    if (result == ACCOUNT_OK && !platform::save_key_file(file.get(), path, 0600)) {
+    if (result == ACCOUNT_OK && !files::replace_key_file(file.get(), path, 0600)) {
         result = ACCOUNT_ERROR_WRITE;
     }
     return result;

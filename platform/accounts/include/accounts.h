@@ -21,9 +21,9 @@ enum account_error_e {
     ACCOUNT_ERROR_PARAM = -1,     /**< a null argument, or a text that no account may have */
     ACCOUNT_ERROR_EXISTS = -2,    /**< an account of that name is there already */
     ACCOUNT_ERROR_NOT_FOUND = -3, /**< no account of that name is there */
-    ACCOUNT_ERROR_UNSAFE = -4,    /**< others than the user may read or change what is stored: it is not used */
-    ACCOUNT_ERROR_READ = -5,      /**< what is stored cannot be read */
-    ACCOUNT_ERROR_WRITE = -6      /**< the change could not be stored; what was there is unharmed */
+    ACCOUNT_ERROR_UNSAFE = -4, /**< others than the user may read or change what is stored: it is not used */
+    ACCOUNT_ERROR_READ = -5,   /**< what is stored cannot be read */
+    ACCOUNT_ERROR_WRITE = -6   /**< the change could not be stored; what was there is unharmed */
 };
 
 /** One account. All texts are UTF-8 without control characters; those that may be empty are never null. */
@@ -67,7 +67,8 @@ __attribute__((visibility("default"))) int account_remove(const char* name);
  * @param name       the account; borrowed
  * @param callback   its result is not looked at
  * @param user_data  handed to the callback
- * @return ACCOUNT_OK, ACCOUNT_ERROR_PARAM, ACCOUNT_ERROR_NOT_FOUND, ACCOUNT_ERROR_UNSAFE or ACCOUNT_ERROR_READ
+ * @return ACCOUNT_OK, ACCOUNT_ERROR_PARAM, ACCOUNT_ERROR_NOT_FOUND, ACCOUNT_ERROR_UNSAFE or
+ * ACCOUNT_ERROR_READ
  */
 __attribute__((visibility("default"))) int account_find(uid_t user, const char* name, account_cb callback,
                                                         void* user_data);

@@ -17,8 +17,8 @@ const account_s kCloud = {"cloud", "webdav", "https://example.org/dav/", "anna",
 
 /// An account as text, since the service's own texts do not last.
 std::string text_of(const account_s& account) {
-    return std::string(account.name) + "|" + account.plugin + "|" + account.address + "|" + account.user + "|" +
-           account.password;
+    return std::string(account.name) + "|" + account.plugin + "|" + account.address + "|" + account.user +
+           "|" + account.password;
 }
 
 bool keep(const account_s* account, void* texts) {
