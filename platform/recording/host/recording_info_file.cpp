@@ -79,6 +79,8 @@ InfoFile::LoadResult InfoFile::load(int descriptor) {
 void InfoFile::start() {
     file_.reset(g_key_file_new());
     group_ = kGroupOfNewFiles;
+    // Without a key there would be no group, and without a group no info file.
+    g_key_file_set_boolean(file_.get(), group_.c_str(), "finished", FALSE);
     changed_ = true;
 }
 
