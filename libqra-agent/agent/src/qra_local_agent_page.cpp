@@ -9,6 +9,7 @@
 #include "libqra-agent/agent/src/qra_sort_category.h"
 #include "libqra-agent/agent/src/qra_source_factory.h"
 #include "libqra-agent/agent/src/qra_type.h"
+#include "libqra-agent/playlist/qra_playlist_location.h"
 #include "libqra-agent/playlist/qra_playlist_manager.h"
 #include "libqra-agent/source/local-source/qra_group_info.h"
 #include "libqra-agent/source/qra_source_base.h"
@@ -16,16 +17,6 @@
 namespace {
 
 constexpr char kCategoryGroup[] = "CATEGORY-GROUP";
-
-bool StartsWith(const std::string& strText, const std::string& strPrefix) {
-    return strText.compare(0, strPrefix.size(), strPrefix) == 0;
-}
-
-/// The "ID_QRA" of a playlist is its path on a drive, all other ids are the media database's.
-bool IsPlayListId(const std::string& strId) {
-    return StartsWith(strId, CQRAUtil::GetStoragePath("/USBDrive")) ||
-           StartsWith(strId, CQRAUtil::GetStoragePath("/usb"));
-}
 
 void LogPageStyle(const qra_page_style_s& style, const CategoryLayout& layout,
                   const std::string& strCategory) {
@@ -219,8 +210,8 @@ qra_error_code_e CQRALocalAgent::GetPageIndex(CQRAAgentHandle* pHandle, char* pM
                      *pnPageIndex);
         return QRA_ERROR_NONE;
     }
-    return IsPlayListId(pMediaId) ? m_GetPageIndexOfPlayList(pHandle, pMediaId, pnPageIndex)
-                                  : m_GetPageIndexOfContents(pHandle, pMediaId, pnPageIndex);
+    return qra_is_on_usb(pMediaId) ? m_GetPageIndexOfPlayList(pHandle, pMediaId, pnPageIndex)
+                                   : m_GetPageIndexOfContents(pHandle, pMediaId, pnPageIndex);
 }
 
 qra_error_code_e CQRALocalAgent::m_GetPageIndexOfPlayList(CQRAAgentHandle* pHandle, const std::string& strId,
