@@ -24,7 +24,9 @@ EngineService::EngineService(GDBusConnection* bus, EngineSetup setup, std::funct
       clients_(bus),
       signals_(bus),
       parts_{bus, methods_, clients_, signals_, setup_},
-      folders_(parts_) {
+      folders_(parts_),
+      devices_(parts_),
+      scans_(parts_) {
     methods_.serve("start_server", &start_server);
 }
 

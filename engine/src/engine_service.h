@@ -6,9 +6,11 @@
 #include <functional>
 
 #include "engine/src/client_table.h"
+#include "engine/src/devices/device_service.h"
 #include "engine/src/engine_parts.h"
 #include "engine/src/folder_service.h"
 #include "engine/src/method_table.h"
+#include "engine/src/scans/scan_service.h"
 #include "engine/src/signal_sender.h"
 
 namespace engine {
@@ -52,6 +54,8 @@ private:
     const EngineParts parts_;
 
     FolderService folders_;
+    DeviceService devices_;
+    ScanService scans_;
 };
 
 }  // namespace engine

@@ -47,7 +47,8 @@ typedef bool (*media_content_scan_progress_cb)(const media_content_scan_progress
  * A directory that is attached already keeps its drive, whatever name is wanted. A directory inside an
  * attached one makes no new drive: the answer is that drive's path with the path inside it. A drive that was
  * attached before gets its old name where that is free, and has all its rows again. A directory that holds
- * the media root may be a drive: what is linked below the root is not listed a second time.
+ * the media root may be a drive: what is linked below the root is not listed a second time. Whoever watches the
+ * media root sees the link change once more when the database knows the drive.
  *
  * @param directory    any path of the directory
  * @param wanted_name  "USBDrive" and a number, or null for the first free one

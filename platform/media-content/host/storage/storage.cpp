@@ -1,5 +1,7 @@
 #include "platform/media-content/host/storage/storage.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -112,6 +114,11 @@ void make_link(const std::string& link, const std::string& target) {
         throw MediaError(MEDIA_CONTENT_ERROR_IO,
                          "cannot make the link " + link + ": " + std::strerror(errno));
     }
+}
+
+/// Whoever watches the media root saw the new link before the database knew of the drive.
+void announce(const std::string& link) {
+    utimensat(AT_FDCWD, link.c_str(), nullptr, AT_SYMLINK_NOFOLLOW);
 }
 
 std::optional<StoragePath> locate_target(const std::vector<Storage>& attached, const std::string& path) {
@@ -255,6 +262,7 @@ StoragePath attach(Database& database, const std::string& directory, const std::
     make_link(drive_path(number), target);
     StoragePath place{write_row(write.connection(), id, number, target), ""};
     write.commit();
+    announce(place.storage.link_path());
     MC_LOG_INFO("%s is attached as %s", target.c_str(), place.storage.name().c_str());
     return place;
 }

@@ -1,0 +1,59 @@
+#ifndef QRA_ENGINE_ATTACHED_DRIVES_H
+#define QRA_ENGINE_ATTACHED_DRIVES_H
+
+#include <gio/gio.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/src/devices/volume.h"
+#include "engine/src/glib_ptr.h"
+#include "engine/src/media_connection.h"
+
+namespace engine {
+
+/// A drive of the media database that is there: a link below the media root to a directory.
+struct AttachedDrive {
+    std::string id;
+    std::string name;  ///< "USBDriveN"
+    int number;        ///< N
+    std::string link_path;
+    std::string target;  ///< the directory
+};
+
+/**
+ * The drives of the media database: those that any process attached, and the volumes that this one keeps
+ * attached while they are mounted. For one thread, that of the main context that was its default at
+ * construction.
+ */
+class AttachedDrives {
+public:
+    /// `changed` is called after any process attached or detached a drive.
+    explicit AttachedDrives(std::function<void()> changed);
+    ~AttachedDrives();
+    AttachedDrives(const AttachedDrives&) = delete;
+    AttachedDrives& operator=(const AttachedDrives&) = delete;
+
+    /// Attaches the volumes that are new, and detaches those that were given before and are no longer.
+    void keep(const Volumes& volumes);
+
+    /// The drives that are attached and mounted, by number.
+    std::vector<AttachedDrive> drives();
+
+private:
+    static void on_root_changed(GFileMonitor* monitor, GFile* file, GFile* other, GFileMonitorEvent event,
+                                void* self);
+    static std::string attach(const std::string& directory);
+
+    std::function<void()> changed_;
+    MediaConnection media_;
+    std::map<std::string, std::string> kept_;  ///< mount points of volumes, with the names of their drives
+    std::unique_ptr<GFileMonitor, Release<g_object_unref>> monitor_;
+};
+
+}  // namespace engine
+
+#endif

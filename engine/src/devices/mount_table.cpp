@@ -1,0 +1,51 @@
+#include "engine/src/devices/mount_table.h"
+
+#include <gio/gunixmounts.h>
+
+#include <algorithm>
+
+namespace engine {
+
+namespace {
+
+Mount read_mount(GUnixMountEntry* entry) {
+    return {g_unix_mount_get_mount_path(entry), g_unix_mount_get_device_path(entry),
+            g_unix_mount_get_fs_type(entry), g_unix_mount_is_system_internal(entry) != FALSE};
+}
+
+bool holds(const std::string& point, const std::string& path) {
+    return point == "/" || (path.compare(0, point.size(), point) == 0 &&
+                            (path.size() == point.size() || path[point.size()] == '/'));
+}
+
+}  // namespace
+
+std::vector<Mount> mount_table() {
+    std::vector<Mount> mounts;
+    GList* entries = g_unix_mounts_get(nullptr);
+    for (const GList* entry = entries; entry != nullptr; entry = entry->next) {
+        mounts.push_back(read_mount(static_cast<GUnixMountEntry*>(entry->data)));
+    }
+    g_list_free_full(entries, reinterpret_cast<GDestroyNotify>(&g_unix_mount_free));
+    return mounts;
+}
+
+std::string mount_point_of(const std::string& device_file) {
+    const std::vector<Mount> mounts = mount_table();
+    const auto mount = std::find_if(mounts.begin(), mounts.end(),
+                                    [&](const Mount& one) { return one.device_file == device_file; });
+    return mount != mounts.end() && !device_file.empty() ? mount->point : std::string();
+}
+
+Mount mount_of(const std::string& directory) {
+    Mount nearest = {};
+    for (Mount& mount : mount_table()) {
+        // A later line covers an earlier one of the same place.
+        if (holds(mount.point, directory) && mount.point.size() >= nearest.point.size()) {
+            nearest = std::move(mount);
+        }
+    }
+    return nearest;
+}
+
+}  // namespace engine
