@@ -1,0 +1,82 @@
+#ifndef QRA_TESTS_INTEGRATION_ENGINE_CLIENT_H
+#define QRA_TESTS_INTEGRATION_ENGINE_CLIENT_H
+
+#include <gio/gio.h>
+#include <json/json.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "engine/src/glib_ptr.h"
+
+/// Runs the default main context until something is so; false if that takes far too long.
+bool wait_until(const std::function<bool()>& is_so);
+
+/// A connection of its own to the bus that stands in for the system bus.
+engine::ConnectionPtr connect_to_bus();
+
+/// A content engine as a process of the test's own, with the test's environment. Ends with the object.
+class EngineProcess {
+public:
+    explicit EngineProcess(std::vector<std::string> options = {"--idle-timeout", "0"});
+    ~EngineProcess();
+    EngineProcess(const EngineProcess&) = delete;
+    EngineProcess& operator=(const EngineProcess&) = delete;
+
+    /// Ends it without any warning.
+    void kill();
+    /// Whether it has ended by itself, and well.
+    bool has_ended();
+    /// How many threads of it scan folders.
+    int scanning_threads() const;
+
+private:
+    pid_t pid_;
+    int status_ = -1;
+};
+
+/// A client of the engine, with all signals that it was sent.
+class EngineClient {
+public:
+    EngineClient();
+    ~EngineClient();
+    EngineClient(const EngineClient&) = delete;
+    EngineClient& operator=(const EngineClient&) = delete;
+
+    /// Calls a method and runs the main context until the answer is there. Null, and a failed test, for an
+    /// error.
+    engine::VariantPtr call(const char* method, GVariant* arguments);
+
+    /// The reply of a method that answers one number.
+    unsigned number(const char* method, GVariant* arguments);
+
+    /// The arguments of the first signal of that name that was not taken before, waited for; null, and a
+    /// failed test, if none comes.
+    engine::VariantPtr take_signal(const std::string& name);
+    /// The same for a signal whose one argument is a JSON text.
+    Json::Value take_json(const std::string& name);
+
+    /// How many signals were sent and not taken, once all that was sent before this call is here.
+    size_t signals_left();
+
+    /// Leaves the bus.
+    void leave();
+
+private:
+    struct Signal {
+        std::string name;
+        engine::VariantPtr arguments;
+    };
+
+    static void on_signal(GDBusConnection* bus, const char* sender, const char* path, const char* interface,
+                          const char* signal, GVariant* arguments, void* self);
+
+    engine::ConnectionPtr bus_;
+    unsigned subscription_;
+    std::vector<Signal> signals_;
+};
+
+Json::Value parse_json(const std::string& text);
+
+#endif
