@@ -24,9 +24,11 @@ function(qra_add_test name)
         PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}")
 endfunction()
 
+# An engine that the bus starts keeps off the user's own media database.
 set(QRA_WITH_BUS ${CMAKE_COMMAND} -E env QRA_ENGINE=${PROJECT_BINARY_DIR}/engine/qra-content-engine
+    QRA_DATA_DIR=${PROJECT_BINARY_DIR}/tests/engine-data ${PROJECT_SOURCE_DIR}/scripts/with-bus)
+set(QRA_WITH_EMPTY_BUS ${CMAKE_COMMAND} -E env QRA_ENGINE= QRA_DATA_DIR=${PROJECT_BINARY_DIR}/tests/engine-data
     ${PROJECT_SOURCE_DIR}/scripts/with-bus)
-set(QRA_WITH_EMPTY_BUS ${CMAKE_COMMAND} -E env QRA_ENGINE= ${PROJECT_SOURCE_DIR}/scripts/with-bus)
 
 if(QRA_BUILD_TESTS)
     find_package(GTest REQUIRED)
