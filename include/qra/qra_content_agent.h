@@ -6,7 +6,10 @@
 #define QRA_QRA_CONTENT_AGENT_H
 
 #include <qra/qra_agent.h>
+#include <qra/qra_device_check.h>
+#include <qra/qra_folder_thumb.h>
 #include <qra/qra_param.h>
+#include <qra/qra_storage.h>
 #include <qra/qra_types.h>
 #include <qra/qra_util.h>
 

@@ -134,11 +134,16 @@ typedef enum {
 #ifdef __cplusplus
 class CQRAAgentHandle;
 class CQRASendHandle;
+class CQRADeviceCheckHandle;
+class CQRAFolderThumbHandle;
 #else
-typedef struct CQRAAgentHandle CQRAAgentHandle; /**< a list request */
-typedef struct CQRASendHandle CQRASendHandle;   /**< a batch job */
+typedef struct CQRAAgentHandle CQRAAgentHandle;             /**< a list request */
+typedef struct CQRASendHandle CQRASendHandle;               /**< a batch job */
+typedef struct CQRADeviceCheckHandle CQRADeviceCheckHandle; /**< a device check */
+typedef struct CQRAFolderThumbHandle CQRAFolderThumbHandle; /**< a request for a folder's thumbnail */
 #endif
-typedef CQRAAgentHandle* qra_agent_handler_h; /**< a list request's handle */
+typedef CQRAAgentHandle* qra_agent_handler_h;              /**< a list request's handle */
+typedef CQRADeviceCheckHandle* qra_device_check_handler_h; /**< a device check's handle */
 /** @} */
 
 /**

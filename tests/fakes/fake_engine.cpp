@@ -78,6 +78,25 @@ void FakeEngine::emit(const std::string& signal, const std::string& parameters) 
     g_dbus_connection_flush_sync(connection_, nullptr, nullptr);
 }
 
+void FakeEngine::emit_with_reply(const std::string& method, const std::string& signal,
+                                 const std::string& parameters) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    signals_[method] = {signal, parameters};
+}
+
+void FakeEngine::send_signal_of(const std::string& method) {
+    std::pair<std::string, std::string> signal;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        signal = signals_[method];
+    }
+    if (!signal.first.empty()) {
+        // Not flushed: this is the thread that writes.
+        g_dbus_connection_emit_signal(connection_, nullptr, kPath, kName, signal.first.c_str(),
+                                      parse(signal.second), nullptr);
+    }
+}
+
 std::vector<FakeEngine::Call> FakeEngine::calls() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     return calls_;
@@ -115,6 +134,7 @@ GDBusMessage* FakeEngine::on_message(GDBusConnection* connection, GDBusMessage* 
 GDBusMessage* FakeEngine::reply_to(GDBusMessage* call) {
     const std::string method = g_dbus_message_get_member(call);
     const std::string text = take_reply(method);
+    send_signal_of(method);
     GDBusMessage* reply = nullptr;
     if (text.empty()) {
         reply = g_dbus_message_new_method_error_literal(call, "com.morva.qra.engine.Error.Scripted",

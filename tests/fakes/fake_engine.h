@@ -7,6 +7,7 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 /**
@@ -36,6 +37,9 @@ public:
     /// Sends a signal of the engine to whoever listens.
     void emit(const std::string& signal, const std::string& parameters);
 
+    /// Sends a signal just before each answer to `method`, as an engine does that is done at once.
+    void emit_with_reply(const std::string& method, const std::string& signal, const std::string& parameters);
+
     /// What was called so far, in the order in which it came.
     std::vector<Call> calls() const;
 
@@ -49,13 +53,15 @@ private:
                                     gpointer user_data);
     GDBusMessage* reply_to(GDBusMessage* call);
     std::string take_reply(const std::string& method);
+    void send_signal_of(const std::string& method);
 
     GDBusConnection* connection_ = nullptr;
     guint filter_ = 0;
     mutable std::mutex mutex_;
     mutable std::condition_variable called_;
-    std::map<std::string, std::vector<std::string>> replies_;  ///< under mutex_
-    std::vector<Call> calls_;                                  ///< under mutex_
+    std::map<std::string, std::vector<std::string>> replies_;             ///< under mutex_
+    std::map<std::string, std::pair<std::string, std::string>> signals_;  ///< by method; under mutex_
+    std::vector<Call> calls_;                                             ///< under mutex_
 };
 
 #endif

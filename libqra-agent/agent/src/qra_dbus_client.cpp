@@ -4,14 +4,16 @@
 
 #include "common/util/qra_assert.h"
 #include "common/util/qra_log.h"
+#include "libqra-agent/agent/src/qra_device_check.h"
 #include "libqra-agent/agent/src/qra_handler.h"
-#include "libqra-agent/agent/src/qra_handler_mgr.h"
 
 namespace {
 
 constexpr int MAX_START_RETRIES = 40;
 constexpr gulong START_RETRY_MICROSECONDS = 1000000;
 constexpr int BUS_DEFAULT_TIMEOUT = -1;
+/// The largest number that a qra_event_e can hold.
+constexpr guint32 MAX_EVENT = 31;
 
 struct ErrorFree {
     void operator()(GError* pError) const { g_error_free(pError); }
@@ -475,8 +477,8 @@ void CQRADBusClient::_OnSignal(GDBusConnection*, const gchar*, const gchar*, con
     QRA_LOG_INFO(QRA_TAG_WEB, "Recive signal[%s|%d|%d|%d|%s|%s|%s].", pSignal, static_cast<int>(nScannerId),
                  static_cast<int>(nEvent), static_cast<int>(nNumber), Printable(pFirst), Printable(pSecond),
                  Printable(pThird));
-    CQRAHandleBase* const pBase =
-        CQRAHandlerMgr::GetInstance()->GetHandler(QRA_HANDLE_TYPE_DEVICE_CHECK, nScannerId);
+    const CQRADeviceChecks::CDelivery delivery(nScannerId);
+    CQRAHandleBase* const pBase = delivery.GetHandle();
     if (pBase == nullptr) {
         QRA_LOG_WARNING(QRA_TAG_WEB, "Can't found agent handle.");
         return;
@@ -490,6 +492,15 @@ void CQRADBusClient::_OnSignal(GDBusConnection*, const gchar*, const gchar*, con
     if (pHandle->GetCallBack() == nullptr) {
         QRA_LOG_WARNING(QRA_TAG_WEB, "Didn't set callback in agent handle[%p].", static_cast<void*>(pHandle));
         return;
+    }
+    if (nEvent > MAX_EVENT) {
+        QRA_LOG_WARNING(QRA_TAG_WEB, "Signal[%s] holds an event that is none.", pSignal);
+        return;
+    }
+    if (pThird != nullptr) {
+        QRA_LOG_INFO(QRA_TAG_WEB, "Callback with (%s).", pThird);
+    } else {
+        QRA_LOG_INFO(QRA_TAG_WEB, "Callback with NULL.");
     }
     pHandle->GetCallBack()(pHandle->GetUserData(), pHandle, static_cast<qra_event_e>(nEvent), pThird);
 }

@@ -11,14 +11,11 @@
 
 #include "common/util/qra_mutex.h"
 #include "common/util/qra_singleton.h"
-#include "include/qra/qra_types.h"
+#include "include/qra/qra_storage.h"
 
 #define QRA_ENGINE_BUS_NAME "com.morva.qra.engine"
 #define QRA_ENGINE_OBJECT_PATH "/com/morva/qra/engine"
 #define QRA_ENGINE_INTERFACE "com.morva.qra.engine"
-
-/// Which storages a storage-list method asks for; the values are those of the storage lists.
-using qra_storage_device_type = unsigned int;
 
 /// Takes a signal's name, the subscriber's user data and the signal's text, which is valid during the call
 /// only.

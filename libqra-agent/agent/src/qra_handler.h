@@ -1,6 +1,8 @@
 #ifndef QRA_AGENT_AGENT_SRC_QRA_HANDLER_H
 #define QRA_AGENT_AGENT_SRC_QRA_HANDLER_H
 
+#include <qra/qra_device_check.h>
+#include <qra/qra_folder_thumb.h>
 #include <qra/qra_types.h>
 
 #include <cstdint>
@@ -12,8 +14,6 @@
 #include "common/util/qra_mutex.h"
 
 class CQRAContentPage;
-class CQRADeviceCheckHandle;
-class CQRAFolderThumbHandle;
 class CQRAGroupInfo;
 class CQRAItemBuilder;
 class CQRALocalAgent;
@@ -37,12 +37,6 @@ enum QRA_HANDLE_TYPE {
 
 /// Answers an action of the content engine.
 using on_act_complete_cb = on_detail_complete_cb;
-/// Tells how a device check went.
-using on_device_check_cb = bool (*)(void* pUserData, CQRADeviceCheckHandle* pHandle, qra_event_e eEvent,
-                                    const char* pData);
-/// Gives the thumbnail path of a folder.
-using on_folder_thumb_cb = bool (*)(void* pUserData, CQRAFolderThumbHandle* pHandle, const char* pPath);
-
 /// A client's pending callback: its user data, and the one callback that the request has.
 struct _stAppData {
     void* pUserData = nullptr;
@@ -227,14 +221,14 @@ public:
     std::string GetDeviceId() const { return m_strDeviceId; }
     void SetUserData(void* pUserData) { m_pUserData = pUserData; }
     void* GetUserData() const { return m_pUserData; }
-    void SetCallBack(on_device_check_cb cb) { m_pCallBack = cb; }
-    on_device_check_cb GetCallBack() const { return m_pCallBack; }
+    void SetCallBack(qra_device_check_cb cb) { m_pCallBack = cb; }
+    qra_device_check_cb GetCallBack() const { return m_pCallBack; }
 
 private:
     std::string m_strPath;
     std::string m_strDeviceId;
     void* m_pUserData = nullptr;
-    on_device_check_cb m_pCallBack = nullptr;
+    qra_device_check_cb m_pCallBack = nullptr;
 };
 
 /// An open playlist, which other handles and the playlist manager may hold too.
@@ -249,19 +243,42 @@ private:
     std::shared_ptr<M3UPlaylist> m_pM3U;
 };
 
-/// A request for a folder's thumbnail.
-class CQRAFolderThumbHandle : public CQRAHandleBase {
+/**
+ * A request for a folder's thumbnail, from RequestFolderThumbPath() to its one answer or its cancel.
+ *
+ * Lives in a shared pointer: one reference stands with the open requests as long as the registry knows the
+ * handle, one with the job of the thumbnail source that names it, one with each call that works on it. The
+ * last one that goes frees the handle.
+ *
+ * Threads: requests and cancels come on the clients' threads, the answer on the thumbnail source's or on the
+ * one that the engine's signals come on. The two fields are written before a job knows the handle.
+ */
+class CQRAFolderThumbHandle : public CQRAHandleBase,
+                              public std::enable_shared_from_this<CQRAFolderThumbHandle> {
 public:
     CQRAFolderThumbHandle() : CQRAHandleBase(QRA_HANDLE_TYPE_FOLDER_THUMB) {}
 
     void SetUserData(void* pUserData) { m_pUserData = pUserData; }
     void* GetUserData() const { return m_pUserData; }
-    void SetCallBack(on_folder_thumb_cb cb) { m_cb = cb; }
-    on_folder_thumb_cb GetCallBack() const { return m_cb; }
+    void SetCallBack(qra_folder_thumb_cb cb) { m_cb = cb; }
+    qra_folder_thumb_cb GetCallBack() const { return m_cb; }
+
+    /// The open request with this address, or null.
+    static std::shared_ptr<CQRAFolderThumbHandle> FindOpen(const CQRAFolderThumbHandle* pHandle);
+
+    qra_error_code_e RequestFolderThumbPath(const char* pPath, const char* pContentType,
+                                            const char* pExtension, int nRequestCount, qra_folder_thumb_cb cb,
+                                            void* pUserData);
+    qra_error_code_e CancelRequestFolderThumbPath(const char* pPath, const char* pContentType,
+                                                  const char* pExtension, int nRequestCount);
+    qra_error_code_e CancelAllRequestFolderThumbPath();
+
+    /// The thumbnail source's callback: hands the answer to the client and ends the request.
+    static bool cb_request_folder_thumb_path(void* pThis, char* pPath);
 
 private:
     void* m_pUserData = nullptr;
-    on_folder_thumb_cb m_cb = nullptr;
+    qra_folder_thumb_cb m_cb = nullptr;
 };
 
 #endif

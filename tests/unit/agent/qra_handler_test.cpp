@@ -374,7 +374,7 @@ TEST(CQRASendHandle, OwnsItsThread) {
 TEST(CQRADeviceCheckHandle, GivesBackWhatWasSet) {
     CQRADeviceCheckHandle handle;
     int user_data = 0;
-    const on_device_check_cb callback = [](void*, CQRADeviceCheckHandle*, qra_event_e, const char*) {
+    const qra_device_check_cb callback = [](void*, CQRADeviceCheckHandle*, qra_event_e, const char*) {
         return true;
     };
 
@@ -393,7 +393,7 @@ TEST(CQRADeviceCheckHandle, GivesBackWhatWasSet) {
 TEST(CQRAFolderThumbHandle, GivesBackWhatWasSet) {
     CQRAFolderThumbHandle handle;
     int user_data = 0;
-    const on_folder_thumb_cb callback = [](void*, CQRAFolderThumbHandle*, const char*) { return true; };
+    const qra_folder_thumb_cb callback = [](void*, CQRAFolderThumbHandle*, const char*) { return true; };
 
     handle.SetUserData(&user_data);
     handle.SetCallBack(callback);
