@@ -4,6 +4,7 @@
 #include <gio/gio.h>
 
 #include "engine/src/client_table.h"
+#include "engine/src/engine_limits.h"
 #include "engine/src/method_table.h"
 #include "engine/src/plugin_registry.h"
 #include "engine/src/signal_sender.h"
@@ -14,6 +15,7 @@ namespace engine {
 struct EngineSetup {
     PluginRegistry plugins;
     AccountLookup accounts;
+    EngineLimits limits;
 };
 
 /// What every area of the engine is given; it outlives the areas.

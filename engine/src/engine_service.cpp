@@ -24,9 +24,12 @@ EngineService::EngineService(GDBusConnection* bus, EngineSetup setup, std::funct
       clients_(bus),
       signals_(bus),
       parts_{bus, methods_, clients_, signals_, setup_},
+      connections_(parts_),
       folders_(parts_),
       devices_(parts_),
-      scans_(parts_) {
+      scans_(parts_),
+      lists_(parts_, connections_),
+      items_(parts_, connections_, lists_) {
     methods_.serve("start_server", &start_server);
 }
 

@@ -6,9 +6,12 @@
 #include <functional>
 
 #include "engine/src/client_table.h"
+#include "engine/src/connection_table.h"
 #include "engine/src/devices/device_service.h"
 #include "engine/src/engine_parts.h"
 #include "engine/src/folder_service.h"
+#include "engine/src/item_service.h"
+#include "engine/src/list_service.h"
 #include "engine/src/method_table.h"
 #include "engine/src/scans/scan_service.h"
 #include "engine/src/signal_sender.h"
@@ -53,9 +56,12 @@ private:
     const SignalSender signals_;
     const EngineParts parts_;
 
+    ConnectionTable connections_;
     FolderService folders_;
     DeviceService devices_;
     ScanService scans_;
+    ListService lists_;
+    ItemService items_;
 };
 
 }  // namespace engine

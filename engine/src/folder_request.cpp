@@ -3,33 +3,17 @@
 #include <json/json.h>
 
 #include <climits>
-#include <exception>
-#include <memory>
+
+#include "engine/src/json_text.h"
 
 namespace engine {
 
 namespace {
 
 constexpr size_t kLongestId = 256;
+constexpr int kDeepest = 8;
 // Each byte of the path may be written as an escape of six characters.
 constexpr size_t kLongestRequest = 6 * (PATH_MAX + 2 * kLongestId);
-
-Json::Value parse_object(const std::string& text) {
-    Json::CharReaderBuilder builder;
-    Json::CharReaderBuilder::strictMode(&builder.settings_);
-    builder["stackLimit"] = 8;
-    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-    Json::Value value;
-    std::string ignored;
-    try {
-        if (reader->parse(text.data(), text.data() + text.size(), &value, &ignored) && value.isObject()) {
-            return value;
-        }
-    } catch (const std::exception&) {
-        // Too deep to be a request: the same as any other text that is none.
-    }
-    return {};
-}
 
 bool is_clean_text(const Json::Value& value) {
     return value.isString() && value.asString().find('\0') == std::string::npos;
@@ -73,7 +57,8 @@ bool read_folder_id(const Json::Value& value, FolderRequest& request) {
 
 std::optional<FolderRequest> parse_folder_request(const std::string& text, std::string& error) {
     FolderRequest request = {};
-    const Json::Value object = text.size() <= kLongestRequest ? parse_object(text) : Json::Value();
+    const Json::Value object =
+        text.size() <= kLongestRequest ? parse_json_object(text, kDeepest) : Json::Value();
     if (object.isNull()) {
         error = "the request is no JSON object";
     } else if (!read_operation(object["OPERATION_TYPE"], request)) {

@@ -39,6 +39,11 @@ struct ListQuery {
     std::string filter;        ///< a word that titles hold
 };
 
+inline bool operator==(const ListQuery& left, const ListQuery& right) {
+    return left.container == right.container && left.content_type == right.content_type &&
+           left.category == right.category && left.filter == right.filter;
+}
+
 /// Takes the answer of one list request. Folders and media are the list's two groups, folders first.
 class ListAnswer {
 public:
@@ -56,9 +61,10 @@ public:
 
 /// The answer to a request for one item.
 struct ItemAnswer {
-    enum class Outcome { kDone, kEmpty, kFailed };
+    /// An act may tell of itself any number of times, with kUpdate, before it ends with one of the others.
+    enum class Outcome { kDone, kEmpty, kFailed, kUpdate };
     Outcome outcome;
-    std::string text;  ///< done: the item's text or what the act gave; failed: the reason
+    std::string text;  ///< done, update: the item's text or what the act gave; failed: the reason
 };
 using ItemDone = std::function<void(ItemAnswer)>;
 
