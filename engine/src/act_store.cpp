@@ -111,8 +111,9 @@ bool ActStore::open() {
 bool ActStore::prepare_schema() {
     sqlite3* database = database_.get();
     sqlite3_busy_timeout(database, kBusyMilliseconds);
-    std::filesystem::permissions(path_,
-                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    std::error_code ignored;  // a file that others read is still one of the engine's directory
+    std::filesystem::permissions(
+        path_, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ignored);
     int64_t version = 0;
     {
         Query query(database, "PRAGMA user_version");

@@ -5,6 +5,7 @@
 #include <qra/qra_types.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 #include "engine/src/engine_log.h"
@@ -18,8 +19,10 @@ constexpr char kLike[] = "qra_setlike";
 constexpr char kComment[] = "qra_uploadcomment";
 constexpr int kDeepestItem = 16;
 
+/// Below the directory that the service manager gave the engine for this; else with the platform's data.
 std::string store_path() {
-    return std::string(platform_path_get(PLATFORM_PATH_DATA)) + "/likes-and-comments.db";
+    const char* own = std::getenv("STATE_DIRECTORY");
+    return std::string(own ? own : platform_path_get(PLATFORM_PATH_DATA)) + "/likes-and-comments.db";
 }
 
 /// What the client hears of an act that the engine kept.
