@@ -10,7 +10,7 @@
 #include <memory>
 #include <vector>
 
-#include "tests/engine/engine_client.h"
+#include "tests/engine/protocol_client.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ protected:
     }
 
     DataDirectory data_;
-    EngineClient client_;
+    ProtocolClient client_;
     std::unique_ptr<EngineProcess> engine_;
 };
 
@@ -198,7 +198,7 @@ TEST_F(EngineConformance, RefusesTheConnectionOfAnotherClient) {
     start();
     const uint32_t id = client_.connect(R"({"media":10})");
     const std::string name = list_name(client_.ask_range(id, 0, 9));
-    EngineClient other;
+    ProtocolClient other;
     other.get_range(id, 0, 9);
     EXPECT_NE("", other.error());
     other.drop(id, name);
@@ -212,7 +212,7 @@ TEST_F(EngineConformance, RefusesTheConnectionOfAnotherClient) {
 
 TEST_F(EngineConformance, SendsCompletionsToTheirClientAlone) {
     start();
-    EngineClient other;
+    ProtocolClient other;
     expect_event(0, first_range(R"({"media":10})"));
     EXPECT_TRUE(other.is_quiet());
 }
@@ -358,7 +358,7 @@ TEST_F(EngineConformance, ServesTheListOfAnotherConnectionOfTheUser) {
     start();
     const uint32_t id = client_.connect(R"({"media":3})");
     expect_event(0, client_.ask_range(id, 0, 9));
-    EngineClient player;
+    ProtocolClient player;
     const uint32_t other = player.connect("{}");
     player.get_range(other, 0, 9, list_request(id, 0));
     const Json::Value answer = player.next();
@@ -374,7 +374,7 @@ TEST_F(EngineConformance, KeepsAListForAWhileAfterItsConnection) {
     const uint32_t id = client_.connect(R"({"media":3})");
     client_.ask_range(id, 0, 9);
     client_.disconnect(id);
-    EngineClient player;
+    ProtocolClient player;
     const uint32_t other = player.connect("{}");
     player.get_range(other, 0, 1, list_request(id, 0));
     EXPECT_EQ(3, read_section(list_name(player.next())).total);
@@ -388,7 +388,7 @@ TEST_F(EngineConformance, ForgetsTheListOfAConnectionThatIsLongClosed) {
     const uint32_t id = client_.connect(R"({"media":3})");
     client_.ask_range(id, 0, 9);
     client_.disconnect(id);
-    EngineClient player;
+    ProtocolClient player;
     EXPECT_TRUE(wait_until([&] {
         const uint32_t other = player.connect("{}");
         player.get_range(other, 0, 1, list_request(id, 0));
@@ -414,7 +414,7 @@ TEST_F(EngineConformance, KeepsABoundedNumberOfClosedLists) {
 
 TEST_F(EngineConformance, ForgetsAllOfAClientThatLeaves) {
     start();
-    auto leaving = std::make_unique<EngineClient>();
+    auto leaving = std::make_unique<ProtocolClient>();
     const uint32_t closed = leaving->connect(R"({"media":3})");
     leaving->ask_range(closed, 0, 9);
     leaving->disconnect(closed);
@@ -445,10 +445,10 @@ TEST_F(EngineConformance, SaysNoWhereAClientWantsTooMuch) {
 
 TEST_F(EngineConformance, ServesTwentyClientsAtOnce) {
     start();
-    std::vector<std::unique_ptr<EngineClient>> clients;
+    std::vector<std::unique_ptr<ProtocolClient>> clients;
     std::vector<uint32_t> ids;
     for (int i = 0; i < 20; ++i) {
-        clients.push_back(std::make_unique<EngineClient>());
+        clients.push_back(std::make_unique<ProtocolClient>());
         ids.push_back(
             clients.back()->connect(R"({"folders":)" + std::to_string(i) + R"(,"media":400,"step":7})"));
     }
@@ -511,7 +511,7 @@ TEST_F(EngineConformance, WorksAgainAfterItWasKilledInTheMiddleOfAList) {
 
 /// A client as a process of its own that has a list, tells its name through `report` and waits to be killed.
 [[noreturn]] void be_a_client(int report) {
-    EngineClient client;
+    ProtocolClient client;
     if (client.wait_for_engine()) {
         const std::string name =
             list_name(client.ask_range(client.connect(R"({"media":300})"), 0, kToTheEnd));

@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "tests/engine/engine_client.h"
+#include "tests/engine/protocol_client.h"
 
 namespace {
 
@@ -72,7 +72,7 @@ protected:
     }
 
     DataDirectory data_;
-    EngineClient client_;
+    ProtocolClient client_;
     std::unique_ptr<EngineProcess> engine_;
 };
 
@@ -242,7 +242,7 @@ TEST_F(EngineItems, StopsAnAct) {
 
 TEST_F(EngineItems, RefusesDetailsAndActsOnTheConnectionOfAnotherClient) {
     start();
-    EngineClient other;
+    ProtocolClient other;
     const uint32_t id = other.connect(R"({"detail":"silent"})");
     ask_detail(id, detail_request("/a"));
     EXPECT_NE("", client_.error());

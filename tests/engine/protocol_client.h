@@ -1,5 +1,5 @@
-#ifndef QRA_TESTS_ENGINE_ENGINE_CLIENT_H
-#define QRA_TESTS_ENGINE_ENGINE_CLIENT_H
+#ifndef QRA_TESTS_ENGINE_PROTOCOL_CLIENT_H
+#define QRA_TESTS_ENGINE_PROTOCOL_CLIENT_H
 
 #include <gio/gio.h>
 #include <json/json.h>
@@ -69,12 +69,12 @@ bool has_object(const std::string& name);
 bool wait_until(const std::function<bool()>& condition, GMainContext* context = nullptr);
 
 /// A client on a bus connection of its own, and the completions that the engine sent it.
-class EngineClient {
+class ProtocolClient {
 public:
-    EngineClient();
-    ~EngineClient();
-    EngineClient(const EngineClient&) = delete;
-    EngineClient& operator=(const EngineClient&) = delete;
+    ProtocolClient();
+    ~ProtocolClient();
+    ProtocolClient(const ProtocolClient&) = delete;
+    ProtocolClient& operator=(const ProtocolClient&) = delete;
 
     /// Waits until the engine answers. False if it does not within 30 seconds.
     bool wait_for_engine();

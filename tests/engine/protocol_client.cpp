@@ -1,4 +1,4 @@
-#include "tests/engine/engine_client.h"
+#include "tests/engine/protocol_client.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -156,7 +156,7 @@ bool wait_until(const std::function<bool()>& condition, GMainContext* context) {
     return true;
 }
 
-EngineClient::EngineClient() : context_(g_main_context_new()) {
+ProtocolClient::ProtocolClient() : context_(g_main_context_new()) {
     g_main_context_push_thread_default(context_);
     engine::ErrorOut error;
     const char* address = g_getenv("DBUS_SYSTEM_BUS_ADDRESS");
@@ -168,17 +168,17 @@ EngineClient::EngineClient() : context_(g_main_context_new()) {
     EXPECT_TRUE(bus_) << error.message();
     g_dbus_connection_set_exit_on_close(bus_.get(), FALSE);
     g_dbus_connection_signal_subscribe(bus_.get(), nullptr, kName, "qra_request_normal_complete", kPath,
-                                       nullptr, G_DBUS_SIGNAL_FLAGS_NONE, &EngineClient::on_signal, this,
+                                       nullptr, G_DBUS_SIGNAL_FLAGS_NONE, &ProtocolClient::on_signal, this,
                                        nullptr);
     g_main_context_pop_thread_default(context_);
 }
 
-EngineClient::~EngineClient() {
+ProtocolClient::~ProtocolClient() {
     close();
     g_main_context_unref(context_);
 }
 
-void EngineClient::close() {
+void ProtocolClient::close() {
     if (bus_) {
         g_dbus_connection_close_sync(bus_.get(), nullptr, nullptr);
         bus_.reset();
@@ -187,14 +187,14 @@ void EngineClient::close() {
     }
 }
 
-void EngineClient::on_signal(GDBusConnection*, const char*, const char*, const char*, const char*,
-                             GVariant* values, void* self) {
+void ProtocolClient::on_signal(GDBusConnection*, const char*, const char*, const char*, const char*,
+                               GVariant* values, void* self) {
     const char* text = nullptr;
     g_variant_get(values, "(&s)", &text);
-    static_cast<EngineClient*>(self)->completions_.push_back(json_of(text));
+    static_cast<ProtocolClient*>(self)->completions_.push_back(json_of(text));
 }
 
-engine::VariantPtr EngineClient::call(const char* method, GVariant* arguments) {
+engine::VariantPtr ProtocolClient::call(const char* method, GVariant* arguments) {
     engine::ErrorOut error;
     engine::VariantPtr reply(g_dbus_connection_call_sync(bus_.get(), kName, kPath, kName, method, arguments,
                                                          nullptr, G_DBUS_CALL_FLAGS_NONE, 30 * 1000, nullptr,
@@ -203,12 +203,12 @@ engine::VariantPtr EngineClient::call(const char* method, GVariant* arguments) {
     return reply;
 }
 
-bool EngineClient::wait_for_engine() {
+bool ProtocolClient::wait_for_engine() {
     return wait_until(
         [this] { return call("start_server", g_variant_new("(s)", "start_server")) != nullptr; }, context_);
 }
 
-uint32_t EngineClient::connect(const std::string& account) {
+uint32_t ProtocolClient::connect(const std::string& account) {
     const engine::VariantPtr reply = call("connect", g_variant_new("(s)", account.c_str()));
     uint32_t id = 0;
     if (reply) {
@@ -217,15 +217,15 @@ uint32_t EngineClient::connect(const std::string& account) {
     return id;
 }
 
-void EngineClient::get_range(uint32_t id, uint32_t first, uint32_t last, const Json::Value& request) {
+void ProtocolClient::get_range(uint32_t id, uint32_t first, uint32_t last, const Json::Value& request) {
     call("get_partial_list", g_variant_new("(uuus)", id, first, last, engine::to_json_text(request).c_str()));
 }
 
-void EngineClient::get_range(uint32_t id, uint32_t first, uint32_t last, int section) {
+void ProtocolClient::get_range(uint32_t id, uint32_t first, uint32_t last, int section) {
     get_range(id, first, last, list_request(id, section));
 }
 
-Json::Value EngineClient::next() {
+Json::Value ProtocolClient::next() {
     if (!wait_until([this] { return !completions_.empty(); }, context_)) {
         ADD_FAILURE() << "no completion came";
         return {};
@@ -235,7 +235,7 @@ Json::Value EngineClient::next() {
     return completion;
 }
 
-bool EngineClient::is_quiet() {
+bool ProtocolClient::is_quiet() {
     call("start_server", g_variant_new("(s)", "start_server"));
     while (g_main_context_iteration(context_, FALSE)) {
     }
