@@ -6,49 +6,19 @@
 #include <string>
 #include <variant>
 
+#include "apps/qra/browsing.h"
 #include "apps/qra/command_line.h"
 #include "apps/qra/commands.h"
-#include "apps/qra/engine_access.h"
 #include "apps/qra/grid_view.h"
 #include "apps/qra/interrupt.h"
 #include "apps/qra/item_value.h"
 #include "apps/qra/list_request.h"
-#include "apps/qra/media_drives.h"
-#include "apps/qra/media_path.h"
 #include "apps/qra/output.h"
 #include "apps/qra/terminal.h"
 #include "apps/qra/terminal_text.h"
 #include "apps/qra/tile_reader.h"
 
 namespace {
-
-/// Sees to it that the list is there to be asked for, and gives the path to ask with.
-class Browsing {
-public:
-    explicit Browsing(const CommandLine& line)
-        : path_(line.list.source == "SOURCE_MSC" ? prepare_drive(line) : line.path),
-          request_(line.list, path_) {}
-
-    const std::string& path() const { return path_; }
-    ListRequest& request() { return request_; }
-
-private:
-    /// A view of folders shows what is in the folder; any other view shows its whole drive.
-    std::string prepare_drive(const CommandLine& line) {
-        MediaDrives& drives = drives_.emplace();
-        std::string path = media_path(drives, line.path);
-        if (line.scan_first) {
-            const bool of_folder = line.list.sort_category.find("FOLDER") != std::string::npos;
-            drives.scan(of_folder ? path : drives.drive_of(path).link_path, !of_folder);
-        }
-        return path;
-    }
-
-    EngineAccess engine_;
-    std::optional<MediaDrives> drives_;
-    std::string path_;
-    ListRequest request_;
-};
 
 void check_interrupt() {
     if (interrupt::requested()) {

@@ -140,14 +140,23 @@ void ListRequest::lay_out(const ListOptions& options) {
     apply(options);
 }
 
-void ListRequest::check_group(const ListOptions& options) {
+int ListRequest::group_count(const ListOptions& options) {
     ListOptions headers_only = options;
     headers_only.mask = kGroupHeaders;
     headers_only.group = -1;
     apply(headers_only);
-    if (tile_count_ > 0 && options.group >= tile_count_) {
+    const int count = tile_count_;
+    apply(options);
+    return count;
+}
+
+void ListRequest::check_group(const ListOptions& options) {
+    ListOptions all_groups = options;
+    all_groups.group = -1;
+    const int count = group_count(all_groups);
+    if (count > 0 && options.group >= count) {
         throw CommandError(ExitStatus::RequestFailed, "there is no group " + std::to_string(options.group) +
-                                                          ": the list has " + std::to_string(tile_count_));
+                                                          ": the list has " + std::to_string(count));
     }
 }
 

@@ -37,6 +37,10 @@ public:
     int tile_count() const { return tile_count_; }
     int count_of(qra_media_type_e type) const;
 
+    /// The groups of the list. The library does not tell for all sources: a page of nothing but group headers
+    /// does. The page is laid out anew with the options afterwards.
+    int group_count(const ListOptions& options);
+
     /// The tile's text exactly as qra_get_item_v2() gives it; the cursor stands on the tile afterwards.
     std::string item(int index);
     void move_to(int index);
@@ -50,8 +54,7 @@ private:
     void send(const ListOptions& options, const std::string& path);
     qra_event_e wait_for_answer();
     void lay_out(const ListOptions& options);
-    /// The library takes a group index as a promise that there is such a group; a page of nothing but group
-    /// headers tells how many there are.
+    /// The library takes a group index as a promise that there is such a group.
     void check_group(const ListOptions& options);
     void apply(const ListOptions& options);
 

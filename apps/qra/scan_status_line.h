@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <string>
 
+#include "apps/qra/status_line.h"
+
 struct ScanResult {
     std::size_t files = 0;
     std::size_t added = 0;
@@ -12,21 +14,14 @@ struct ScanResult {
     std::size_t failed = 0;
 };
 
-/// One line on stderr that tells how far a scan is, written over and over while it runs and wiped at its end.
-/// Nothing at all when stderr is no terminal. For one thread.
+/// One line on stderr that tells how far a scan is. For one thread.
 class ScanStatusLine {
 public:
-    ScanStatusLine();
-    ~ScanStatusLine();
-    ScanStatusLine(const ScanStatusLine&) = delete;
-    ScanStatusLine& operator=(const ScanStatusLine&) = delete;
-
     /// @param seen the files found so far; the folders still to come are not in it
     void show(std::size_t done, std::size_t seen, const std::string& current_path);
 
 private:
-    bool is_terminal_;
-    bool shown_ = false;
+    StatusLine line_;
 };
 
 /// The line itself, at most `width` cells wide: a bar, the counts, and the end of the path.

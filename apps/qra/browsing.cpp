@@ -1,0 +1,18 @@
+#include "apps/qra/browsing.h"
+
+#include "apps/qra/command_line.h"
+#include "apps/qra/media_path.h"
+
+Browsing::Browsing(const CommandLine& line)
+    : path_(line.list.source == "SOURCE_MSC" ? prepare_drive(line) : line.path), request_(line.list, path_) {}
+
+// A view of folders shows what is in the folder; any other view shows its whole drive.
+std::string Browsing::prepare_drive(const CommandLine& line) {
+    MediaDrives& drives = drives_.emplace();
+    std::string path = media_path(drives, line.path);
+    if (line.scan_first) {
+        const bool of_folder = line.list.sort_category.find("FOLDER") != std::string::npos;
+        drives.scan(of_folder ? path : drives.drive_of(path).link_path, !of_folder);
+    }
+    return path;
+}

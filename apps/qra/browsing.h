@@ -1,0 +1,33 @@
+#ifndef QRA_APPS_QRA_BROWSING_H
+#define QRA_APPS_QRA_BROWSING_H
+
+#include <optional>
+#include <string>
+
+#include "apps/qra/engine_access.h"
+#include "apps/qra/list_request.h"
+#include "apps/qra/media_drives.h"
+
+struct CommandLine;
+
+/// Sees to it that the list is there to be asked for: attaches and scans the folder where that is wanted, and
+/// sends the request. Its constructor throws CommandError.
+class Browsing {
+public:
+    explicit Browsing(const CommandLine& line);
+
+    ListRequest& request() { return request_; }
+
+    /// The media database; there for lists of drives only.
+    std::optional<MediaDrives>& drives() { return drives_; }
+
+private:
+    std::string prepare_drive(const CommandLine& line);
+
+    EngineAccess engine_;
+    std::optional<MediaDrives> drives_;
+    std::string path_;
+    ListRequest request_;
+};
+
+#endif

@@ -1,0 +1,278 @@
+#include "apps/qra/job_check.h"
+
+#include <fcntl.h>
+#include <gio/gunixmounts.h>
+#include <qra/qra_types.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <iterator>
+#include <memory>
+#include <string_view>
+#include <system_error>
+
+#include "apps/qra/exit_status.h"
+#include "apps/qra/terminal_text.h"
+
+namespace {
+
+constexpr std::uint64_t kLargestFileOfFat = 0xFFFFFFFF;
+constexpr std::size_t kLongestWindowsName = 255;
+constexpr std::string_view kNoWindowsSigns = "\"*/:<>?\\|";
+
+struct FileSystem {
+    std::string_view type;
+    std::uint64_t largest_file;
+};
+
+/// File systems with the rules of Windows; all others take what the kernel takes.
+constexpr FileSystem kWindowsFileSystems[] = {
+    {"vfat", kLargestFileOfFat},
+    {"msdos", kLargestFileOfFat},
+    {"fuse.fusefat", kLargestFileOfFat},
+    {"exfat", 0},
+    {"fuse.exfat", 0},
+};
+
+struct Kind {
+    int media_type;
+    const char* copy_folder;
+    std::vector<const char*> companions;
+};
+
+const std::vector<const char*> kSubtitles = {".smi", ".srt", ".ttxt"};
+
+const Kind kKinds[] = {
+    {QRA_MEDIA_TYPE_IMAGE, "PHOTO", {}},
+    {QRA_MEDIA_TYPE_IMAGE_EXT, "PHOTO", {}},
+    {QRA_MEDIA_TYPE_VIDEO, "VIDEO", kSubtitles},
+    {QRA_MEDIA_TYPE_VIDEO_EXT, "VIDEO", kSubtitles},
+    {QRA_MEDIA_TYPE_MUSIC, "MUSIC", {}},
+    {QRA_MEDIA_TYPE_PVR, "CONTENTS", {".inf", ".ss", ".mdb", ".mta", ".cip"}},
+};
+
+struct NoFile {
+    int media_type;
+    const char* reason;
+};
+
+constexpr NoFile kNoFiles[] = {
+    {QRA_MEDIA_TYPE_FOLDER, "is a folder"},
+    {QRA_MEDIA_TYPE_GROUP, "is the header of a group"},
+    {QRA_MEDIA_TYPE_UPFOLDER, "leads to the folder above"},
+    {QRA_MEDIA_TYPE_EMPTY, "is an empty tile"},
+    {QRA_MEDIA_TYPE_PLAYLIST, "is a playlist"},
+};
+
+const Kind* kind_of(int media_type) {
+    const auto* kind =
+        std::find_if(std::begin(kKinds), std::end(kKinds),
+                     [media_type](const Kind& candidate) { return candidate.media_type == media_type; });
+    return kind == std::end(kKinds) ? nullptr : kind;
+}
+
+std::string error_text(int error) {
+    return std::generic_category().message(error);
+}
+
+bool may_write_into(const std::string& directory) {
+    return faccessat(AT_FDCWD, directory.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+std::string stem_of(const std::string& path) {
+    const std::size_t dot = path.rfind('.');
+    const std::size_t slash = path.rfind('/');
+    return dot == std::string::npos || (slash != std::string::npos && dot < slash) ? path
+                                                                                   : path.substr(0, dot);
+}
+
+std::string directory_of(const std::string& path) {
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+/// The directory that a copy goes to, or in which its folder would be made.
+std::string place_of_copy(const JobItem& item, const std::string& directory) {
+    const char* folder = copy_folder(item.media_type);
+    const std::string place = directory + "/" + (folder != nullptr ? folder : "");
+    struct stat status {};
+    return stat(place.c_str(), &status) == 0 && S_ISDIR(status.st_mode) ? place : directory;
+}
+
+bool is_too_full(const std::string& directory, std::uint64_t bytes) {
+    struct statvfs status {};
+    return statvfs(directory.c_str(), &status) == 0 &&
+           (std::uint64_t{status.f_bavail} * status.f_frsize < bytes ||
+            (status.f_files > 0 && status.f_favail == 0));
+}
+
+/// A copy of a file without an extension gets one.
+std::string name_of_copy(const std::string& name) {
+    const std::size_t dot = name.rfind('.');
+    return dot == std::string::npos || dot + 1 == name.size() ? name + ".jpg" : name;
+}
+
+std::uint64_t in_blocks(std::uint64_t bytes, std::uint64_t block) {
+    return (bytes + block - 1) / block * block;
+}
+
+std::string windows_name_refusal(const std::string& name) {
+    const auto forbidden = [](char sign) {
+        return static_cast<unsigned char>(sign) < 0x20 ||
+               kNoWindowsSigns.find(sign) != std::string_view::npos;
+    };
+    if (std::any_of(name.begin(), name.end(), forbidden) || name.back() == ' ') {
+        return "has a name that the target cannot hold";
+    }
+    glong units = 0;
+    const std::unique_ptr<gunichar2, decltype(&g_free)> utf16(
+        g_utf8_to_utf16(name.c_str(), -1, nullptr, &units, nullptr), &g_free);
+    if (!utf16) {
+        return "has a name that is not UTF-8, which the target cannot hold";
+    }
+    return static_cast<std::size_t>(units) > kLongestWindowsName
+               ? "has a name that is too long for the target"
+               : "";
+}
+
+}  // namespace
+
+TargetLimits target_limits(const std::string& directory) {
+    struct statvfs status {};
+    if (statvfs(directory.c_str(), &status) != 0) {
+        throw CommandError(ExitStatus::RequestFailed, printable_text(directory) + ": " + error_text(errno));
+    }
+    struct stat place {};
+    if (stat(directory.c_str(), &place) != 0) {
+        throw CommandError(ExitStatus::RequestFailed, printable_text(directory) + ": " + error_text(errno));
+    }
+    TargetLimits limits;
+    limits.device = place.st_dev;
+    limits.free_bytes = std::uint64_t{status.f_bavail} * status.f_frsize;
+    limits.block_bytes = std::max<std::uint64_t>(status.f_frsize, 1);
+    limits.longest_name = status.f_namemax;
+    const std::unique_ptr<GUnixMountEntry, decltype(&g_unix_mount_free)> mount(
+        g_unix_mount_for(directory.c_str(), nullptr), &g_unix_mount_free);
+    if (mount) {
+        limits.file_system = g_unix_mount_get_fs_type(mount.get());
+    }
+    for (const FileSystem& candidate : kWindowsFileSystems) {
+        if (candidate.type == limits.file_system) {
+            limits.windows_names = true;
+            limits.largest_file = candidate.largest_file;
+        }
+    }
+    return limits;
+}
+
+std::string tile_refusal(int media_type) {
+    for (const NoFile& candidate : kNoFiles) {
+        if (candidate.media_type == media_type) {
+            return candidate.reason;
+        }
+    }
+    return "";
+}
+
+const char* copy_folder(int media_type) {
+    const Kind* kind = kind_of(media_type);
+    return kind != nullptr ? kind->copy_folder : nullptr;
+}
+
+std::string source_refusal(const JobItem& item) {
+    struct stat status {};
+    if (stat(item.path.c_str(), &status) != 0) {
+        return "cannot be found: " + error_text(errno);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return "is no regular file";
+    }
+    if (faccessat(AT_FDCWD, item.path.c_str(), R_OK, AT_EACCESS) != 0) {
+        return "cannot be read: " + error_text(errno);
+    }
+    // A copy goes by the size in the media database.
+    if (static_cast<std::uint64_t>(status.st_size) != item.size) {
+        return "has another size than the media database says: scan it again";
+    }
+    return "";
+}
+
+std::string limit_refusal(const JobItem& item, const TargetLimits& limits) {
+    if (limits.largest_file != 0 && item.size > limits.largest_file) {
+        return "is too large: " + limits.file_system + " holds files of less than 4 GiB";
+    }
+    const std::string name = name_of_copy(item.name);
+    if (limits.longest_name != 0 && name.size() > limits.longest_name) {
+        return "has a name that is too long for the target";
+    }
+    return limits.windows_names ? windows_name_refusal(name) : "";
+}
+
+std::string target_refusal(const JobItem& item, const std::string& directory) {
+    if (copy_folder(item.media_type) == nullptr) {
+        return "is of a kind that cannot be copied";
+    }
+    const std::string place = place_of_copy(item, directory);
+    if (may_write_into(place)) {
+        return "";
+    }
+    return "cannot be written to " + printable_text(place) + ": " + error_text(errno);
+}
+
+std::string removal_refusal(const JobItem& item) {
+    struct stat file {};
+    if (lstat(item.path.c_str(), &file) != 0) {
+        return "cannot be found: " + error_text(errno);
+    }
+    const std::string directory = directory_of(item.path);
+    if (!may_write_into(directory)) {
+        return "cannot be removed: " + error_text(errno);
+    }
+    struct stat place {};
+    const uid_t user = geteuid();
+    const bool restricted = stat(directory.c_str(), &place) == 0 && (place.st_mode & S_ISVTX) != 0;
+    return restricted && user != 0 && user != file.st_uid && user != place.st_uid
+               ? "is a file of somebody else"
+               : "";
+}
+
+bool has_gone(const std::string& directory, const TargetLimits& limits) {
+    struct stat status {};
+    return stat(directory.c_str(), &status) != 0 || status.st_dev != limits.device;
+}
+
+std::string copy_failure(const JobItem& item, const std::string& directory, const TargetLimits& limits) {
+    if (has_gone(directory, limits)) {
+        return "could not be copied: the target is gone";
+    }
+    if (is_too_full(place_of_copy(item, directory), item.size)) {
+        return "could not be copied: the target is full; what was written of it stays there";
+    }
+    const std::string source = source_refusal(item);
+    const std::string target = source.empty() ? target_refusal(item, directory) : "";
+    return !source.empty()   ? source
+           : !target.empty() ? target
+                             : "could not be copied (QRA_LOG=warning tells why)";
+}
+
+std::string removal_failure(const JobItem& item) {
+    const std::string refusal = removal_refusal(item);
+    return !refusal.empty() ? refusal : "could not be deleted (QRA_LOG=warning tells why)";
+}
+
+std::uint64_t needed_bytes(const std::vector<JobItem>& items, const TargetLimits& limits) {
+    std::uint64_t bytes = 0;
+    for (const JobItem& item : items) {
+        bytes += in_blocks(item.size, limits.block_bytes);
+        const Kind* kind = kind_of(item.media_type);
+        for (const char* extension : kind != nullptr ? kind->companions : std::vector<const char*>()) {
+            struct stat status {};
+            if (stat((stem_of(item.path) + extension).c_str(), &status) == 0) {
+                bytes += in_blocks(static_cast<std::uint64_t>(status.st_size), limits.block_bytes);
+            }
+        }
+    }
+    return bytes;
+}

@@ -1,0 +1,225 @@
+#include "apps/qra/job_check.h"
+
+#include <gmock/gmock.h>
+#include <qra/qra_types.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "apps/qra/exit_status.h"
+#include "tests/fakes/own_mounts.h"
+#include "tests/fakes/temp_dir.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr std::uint64_t kGiB = std::uint64_t{1} << 30;
+
+JobItem item_named(const std::string& name, std::uint64_t size = 0) {
+    JobItem item;
+    item.media_type = QRA_MEDIA_TYPE_IMAGE;
+    item.name = name;
+    item.size = size;
+    return item;
+}
+
+TargetLimits fat() {
+    TargetLimits limits;
+    limits.file_system = "vfat";
+    limits.largest_file = 0xFFFFFFFF;
+    limits.windows_names = true;
+    return limits;
+}
+
+class JobCheck : public testing::Test {
+protected:
+    /// An item for a file of the test's directory.
+    JobItem item(const std::string& name, const std::string& content = "content") {
+        JobItem item = item_named(name, content.size());
+        item.path = directory_.write(name, content);
+        return item;
+    }
+
+    TempDir directory_;
+};
+
+TEST_F(JobCheck, TilesWithoutAFileAreRefused) {
+    for (const int type : {QRA_MEDIA_TYPE_FOLDER, QRA_MEDIA_TYPE_GROUP, QRA_MEDIA_TYPE_UPFOLDER,
+                           QRA_MEDIA_TYPE_EMPTY, QRA_MEDIA_TYPE_PLAYLIST}) {
+        EXPECT_NE(tile_refusal(type), "") << type;
+    }
+    for (const int type :
+         {QRA_MEDIA_TYPE_IMAGE, QRA_MEDIA_TYPE_VIDEO, QRA_MEDIA_TYPE_MUSIC, QRA_MEDIA_TYPE_PVR,
+          QRA_MEDIA_TYPE_UHD, QRA_MEDIA_TYPE_IMAGE_EXT, QRA_MEDIA_TYPE_VIDEO_EXT}) {
+        EXPECT_EQ(tile_refusal(type), "") << type;
+    }
+}
+
+TEST_F(JobCheck, KindsHaveTheirFolders) {
+    EXPECT_STREQ(copy_folder(QRA_MEDIA_TYPE_IMAGE), "PHOTO");
+    EXPECT_STREQ(copy_folder(QRA_MEDIA_TYPE_IMAGE_EXT), "PHOTO");
+    EXPECT_STREQ(copy_folder(QRA_MEDIA_TYPE_VIDEO), "VIDEO");
+    EXPECT_STREQ(copy_folder(QRA_MEDIA_TYPE_VIDEO_EXT), "VIDEO");
+    EXPECT_STREQ(copy_folder(QRA_MEDIA_TYPE_MUSIC), "MUSIC");
+    EXPECT_STREQ(copy_folder(QRA_MEDIA_TYPE_PVR), "CONTENTS");
+    EXPECT_EQ(copy_folder(QRA_MEDIA_TYPE_UHD), nullptr);
+}
+
+TEST_F(JobCheck, SourceThatIsAsTheDatabaseSaysGoes) {
+    EXPECT_EQ(source_refusal(item("a.jpg")), "");
+}
+
+TEST_F(JobCheck, SourceThatHasGoneOrChangedIsRefused) {
+    JobItem gone = item("gone.jpg");
+    std::filesystem::remove(gone.path);
+    EXPECT_THAT(source_refusal(gone), HasSubstr("No such file"));
+
+    JobItem shorter = item("shorter.jpg");
+    directory_.write("shorter.jpg", "c");
+    EXPECT_THAT(source_refusal(shorter), HasSubstr("another size"));
+
+    JobItem folder = item_named("folder");
+    folder.path = directory_.path();
+    EXPECT_THAT(source_refusal(folder), HasSubstr("no regular file"));
+}
+
+TEST_F(JobCheck, FatHoldsNoFileOfFourGibibytes) {
+    EXPECT_EQ(limit_refusal(item_named("a.avi", 4 * kGiB - 1), fat()), "");
+    EXPECT_THAT(limit_refusal(item_named("a.avi", 4 * kGiB), fat()), HasSubstr("vfat"));
+    EXPECT_EQ(limit_refusal(item_named("a.avi", 100 * kGiB), TargetLimits()), "");
+}
+
+TEST_F(JobCheck, WindowsFileSystemsForbidSigns) {
+    for (const char* name : {"a?.jpg", "a:b.jpg", "a*.jpg", "a\"b.jpg", "<a>.jpg", "a|b.jpg", "a\\b.jpg",
+                             "a\nb.jpg", "a.jpg ", "\xff.jpg"}) {
+        EXPECT_THAT(limit_refusal(item_named(name), fat()), HasSubstr("target cannot hold")) << name;
+        EXPECT_EQ(limit_refusal(item_named(name), TargetLimits()), "") << name;
+    }
+    for (const char* name : {"a.jpg", "Été (1) & more; #2.jpg", "한국어.jpg", ".hidden", "a b.jpg"}) {
+        EXPECT_EQ(limit_refusal(item_named(name), fat()), "") << name;
+    }
+}
+
+TEST_F(JobCheck, NamesHaveAGreatestLength) {
+    std::string korean;
+    for (int i = 0; i < 251; ++i) {
+        korean += "한";
+    }
+    EXPECT_EQ(limit_refusal(item_named(korean + ".jpg"), fat()), "") << "255 units of UTF-16";
+    EXPECT_THAT(limit_refusal(item_named(korean + "x.jpg"), fat()), HasSubstr("too long"));
+
+    TargetLimits usual;
+    usual.longest_name = 255;
+    EXPECT_EQ(limit_refusal(item_named(std::string(251, 'x') + ".jpg"), usual), "");
+    EXPECT_THAT(limit_refusal(item_named(std::string(252, 'x') + ".jpg"), usual), HasSubstr("too long"));
+    EXPECT_THAT(limit_refusal(item_named(std::string(252, 'x')), usual), HasSubstr("too long"))
+        << "the copy of a name without an extension is given one";
+}
+
+TEST_F(JobCheck, WritableTargetGoes) {
+    EXPECT_EQ(target_refusal(item_named("a.jpg"), directory_.path()), "");
+}
+
+TEST_F(JobCheck, KindWithoutAFolderCannotBeCopied) {
+    JobItem title = item_named("a.um4");
+    title.media_type = QRA_MEDIA_TYPE_UHD;
+    EXPECT_THAT(target_refusal(title, directory_.path()), HasSubstr("cannot be copied"));
+}
+
+TEST_F(JobCheck, SpaceIsCountedInBlocksAndWithCompanions) {
+    TargetLimits limits;
+    limits.block_bytes = 1000;
+    JobItem video = item("film.avi", std::string(1500, 'x'));
+    video.media_type = QRA_MEDIA_TYPE_VIDEO;
+    directory_.write("film.srt", "subtitles");
+    directory_.write("film.inf", "no companion of a film");
+    JobItem picture = item("film.jpg", "x");
+
+    EXPECT_EQ(needed_bytes({video}, limits), 3000U);
+    EXPECT_EQ(needed_bytes({video, picture}, limits), 4000U);
+    EXPECT_EQ(needed_bytes({}, limits), 0U);
+}
+
+TEST_F(JobCheck, LimitsAreThoseOfTheFileSystem) {
+    const TargetLimits limits = target_limits(directory_.path());
+    EXPECT_NE(limits.file_system, "");
+    EXPECT_GT(limits.block_bytes, 0U);
+    EXPECT_GE(limits.longest_name, 12U);
+    EXPECT_FALSE(has_gone(directory_.path(), limits));
+    EXPECT_THROW(target_limits(directory_.path("missing")), CommandError);
+}
+
+TEST_F(JobCheck, FileThatIsThereCanBeRemoved) {
+    EXPECT_EQ(removal_refusal(item("a.jpg")), "");
+    EXPECT_THAT(removal_refusal(item_named("b.jpg")), HasSubstr("cannot be found"));
+}
+
+TEST_F(JobCheck, FailureIsExplainedByWhatCanBeSeen) {
+    const TargetLimits limits = target_limits(directory_.path());
+    JobItem source = item("a.jpg");
+    EXPECT_THAT(copy_failure(source, directory_.path(), limits), HasSubstr("QRA_LOG"));
+    JobItem huge = source;
+    huge.size = UINT64_MAX;
+    EXPECT_THAT(copy_failure(huge, directory_.path(), limits), HasSubstr("is full"));
+    std::filesystem::remove(source.path);
+    EXPECT_THAT(copy_failure(source, directory_.path(), limits), HasSubstr("cannot be found"));
+    EXPECT_THAT(copy_failure(source, directory_.path("missing"), limits), HasSubstr("is gone"));
+    EXPECT_THAT(removal_failure(item("b.jpg")), HasSubstr("QRA_LOG"));
+}
+
+/// With a file system of its own at `target`.
+class JobCheckOnDrive : public JobCheck {
+protected:
+    void SetUp() override {
+        if (!have_own_mounts()) {
+            GTEST_SKIP() << "no mount namespace is to be had here";
+        }
+        target_ = directory_.path("target");
+        std::filesystem::create_directory(target_);
+        ASSERT_TRUE(mount_memory(target_, "size=1m"));
+        mounted_ = true;
+    }
+    void TearDown() override {
+        if (mounted_) {
+            umount2(target_.c_str(), MNT_DETACH);
+        }
+    }
+
+    std::string target_;
+    bool mounted_ = false;
+};
+
+TEST_F(JobCheckOnDrive, LimitsAreThoseOfTheDrive) {
+    const TargetLimits limits = target_limits(target_);
+    EXPECT_EQ(limits.file_system, "tmpfs");
+    EXPECT_LE(limits.free_bytes, std::uint64_t{1} << 20);
+    EXPECT_FALSE(limits.windows_names);
+}
+
+TEST_F(JobCheckOnDrive, NothingCanBeWrittenToOrRemovedFromAReadOnlyOne) {
+    JobItem stays = item_named("stays.jpg", 1);
+    stays.path = directory_.write("target/stays.jpg", "x");
+    ASSERT_TRUE(make_mount_read_only(target_));
+    EXPECT_THAT(target_refusal(item_named("a.jpg"), target_), HasSubstr("Read-only"));
+    EXPECT_THAT(removal_refusal(stays), HasSubstr("Read-only"));
+}
+
+TEST_F(JobCheckOnDrive, ReadOnlyFolderOfTheKindIsRefusedToo) {
+    std::filesystem::create_directory(target_ + "/PHOTO");
+    ASSERT_TRUE(mount_memory(target_ + "/PHOTO", "size=64k"));
+    ASSERT_TRUE(make_mount_read_only(target_ + "/PHOTO"));
+    EXPECT_THAT(target_refusal(item_named("a.jpg"), target_), HasSubstr("PHOTO: Read-only"));
+    umount2((target_ + "/PHOTO").c_str(), MNT_DETACH);
+}
+
+TEST_F(JobCheckOnDrive, PulledOneIsGone) {
+    const TargetLimits limits = target_limits(target_);
+    ASSERT_EQ(umount2(target_.c_str(), MNT_DETACH), 0);
+    mounted_ = false;
+    EXPECT_TRUE(has_gone(target_, limits));
+}
+
+}  // namespace
