@@ -22,17 +22,6 @@ constexpr char kShmDirectory[] = "/dev/shm/";
 
 }  // namespace
 
-DataDirectory::DataDirectory() {
-    std::string pattern = std::filesystem::temp_directory_path() / "qra-engine-XXXXXX";
-    path_ = mkdtemp(pattern.data());
-    setenv("QRA_DATA_DIR", path_.c_str(), 1);
-}
-
-DataDirectory::~DataDirectory() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
 EngineProcess::EngineProcess(const std::vector<std::string>& limits) {
     std::vector<char*> arguments = {const_cast<char*>(QRA_TEST_ENGINE)};
     for (const std::string& limit : limits) {

@@ -13,16 +13,12 @@
 #include <vector>
 
 #include "engine/src/glib_ptr.h"
+#include "tests/fakes/temp_dir.h"
 
-/// The directory that a test has for itself; QRA_DATA_DIR names it as long as it is there.
-class DataDirectory {
+/// A test's own directory for what its engines keep.
+class DataDirectory : public TempDir {
 public:
-    DataDirectory();
-    ~DataDirectory();
-    std::string path(const std::string& name) const { return path_ + "/" + name; }
-
-private:
-    std::string path_;
+    DataDirectory() { setenv("QRA_DATA_DIR", path().c_str(), 1); }
 };
 
 /// An engine as a process of its own. One that still runs is asked to end with the object, and must end well.
