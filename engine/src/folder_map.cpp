@@ -46,6 +46,11 @@ FileIdentity identity_of(const struct statx& file) {
             {file.stx_btime.tv_sec, file.stx_btime.tv_nsec}};
 }
 
+std::optional<FileIdentity> identity_at(const std::string& path) {
+    const auto found = look_at(path, 0);
+    return found ? std::optional<FileIdentity>(identity_of(*found)) : std::nullopt;
+}
+
 std::vector<FileIdentity> links_of(const std::string& path) {
     std::vector<FileIdentity> links;
     for (size_t end = 0; end != std::string::npos;) {
@@ -87,7 +92,7 @@ bool FolderMap::add(const FolderKey& key, const std::string& folder_id) {
     if (!state || changed_just_now(*state)) {
         return false;
     }
-    entries_.push_front({key, folder_id, *state});
+    entries_.push_front({key, folder_id, *state, identity_at(database_)});
     index_[key] = entries_.begin();
     if (entries_.size() > capacity_) {
         forget(FolderKey(entries_.back().key));
@@ -101,7 +106,10 @@ std::string FolderMap::find(const FolderKey& key) {
         return {};
     }
     const auto state = read_directory_state(key.path);
-    if (!state || !(*state == found->second->state)) {
+    const Entry& entry = *found->second;
+    const bool same_folder = state && *state == entry.state;
+    const bool same_database = !entry.database || identity_at(database_) == entry.database;
+    if (!same_folder || !same_database) {
         forget(key);
         return {};
     }

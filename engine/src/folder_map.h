@@ -54,11 +54,15 @@ std::optional<DirectoryState> read_directory_state(const std::string& path);
  *
  * An id is given only as long as its directory is what it was when the id was added: for a folder that is
  * gone, was replaced, whose drive went, or whose entries changed since, the caller has to look and scan anew.
+ * A folder that is dropped from the database is gone or was replaced, unless the database itself was.
  * Bounded: the id that was used longest ago makes room. For one thread.
  */
 class FolderMap {
 public:
-    explicit FolderMap(size_t capacity) : capacity_(capacity) {}
+    /// @param database  the file that the ids are of: with another one in its place they are forgotten; may
+    /// be empty
+    explicit FolderMap(size_t capacity, std::string database = {})
+        : capacity_(capacity), database_(std::move(database)) {}
 
     /**
      * Remembers `folder_id` for `key`, in place of what was there. Refused, with false, for a path that is no
@@ -77,12 +81,14 @@ private:
         FolderKey key;
         std::string folder_id;
         DirectoryState state;
+        std::optional<FileIdentity> database;  ///< when it was added; nothing if there was none
     };
     using Entries = std::list<Entry>;
 
     void forget(const FolderKey& key);
 
     size_t capacity_;
+    const std::string database_;
     Entries entries_;  ///< latest used first
     std::map<FolderKey, Entries::iterator> index_;
 };

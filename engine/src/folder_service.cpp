@@ -1,6 +1,12 @@
 #include "engine/src/folder_service.h"
 
+#include <cstdlib>
+#include <memory>
+#include <string>
+
 #include "engine/src/folder_request.h"
+#include "engine/src/glib_ptr.h"
+#include "media_content_admin.h"
 
 namespace engine {
 
@@ -8,9 +14,17 @@ namespace {
 
 constexpr size_t kMostFolders = 1024;
 
+std::string database_path() {
+    char* path = nullptr;
+    media_content_admin_database_path(&path);
+    const std::unique_ptr<char, Release<std::free>> owned(path);
+    return path != nullptr ? path : "";
+}
+
 }  // namespace
 
-FolderService::FolderService(const EngineParts& parts) : clients_(parts.clients), folders_(kMostFolders) {
+FolderService::FolderService(const EngineParts& parts)
+    : clients_(parts.clients), folders_(kMostFolders, database_path()) {
     parts.methods.serve("check_folder_path", this, &FolderService::check_folder_path);
 }
 

@@ -36,6 +36,18 @@ void update(Devices& known, const Devices& now, const DeviceWatch::Listener& lis
     }
 }
 
+/// The volume that a directory lies on; null for none.
+const Volume* volume_of(const std::string& directory, const Volumes& volumes) {
+    const Volume* nearest = nullptr;
+    for (const Volume& volume : volumes) {
+        if (is_within(directory, volume.mount_point) &&
+            (nearest == nullptr || volume.mount_point.size() > nearest->mount_point.size())) {
+            nearest = &volume;
+        }
+    }
+    return nearest;
+}
+
 }  // namespace
 
 DeviceWatch::DeviceWatch(GDBusConnection* bus, Listeners listeners)
@@ -127,11 +139,8 @@ Device DeviceWatch::drive_of(const AttachedDrive& drive, const Volumes& volumes)
     device.mount_path = drive.link_path;
     device.type = kMassStorage;
     device.index = drive.number;
-    const Mount mount = mount_of(drive.target);
-    device.file_system = file_system_name(mount.file_system);
-    const auto volume = std::find_if(volumes.begin(), volumes.end(),
-                                     [&](const Volume& one) { return one.mount_point == mount.point; });
-    if (volume != volumes.end()) {
+    device.file_system = file_system_name(mount_of(drive.target).file_system);
+    if (const Volume* volume = volume_of(drive.target, volumes)) {
         device.name = volume->model.empty() ? drive.name : volume->model;
         device.serial_number = volume->serial_number;
         device.vendor = volume->vendor;

@@ -10,15 +10,15 @@ namespace {
 
 Mount read_mount(GUnixMountEntry* entry) {
     return {g_unix_mount_get_mount_path(entry), g_unix_mount_get_device_path(entry),
-            g_unix_mount_get_fs_type(entry), g_unix_mount_is_system_internal(entry) != FALSE};
-}
-
-bool holds(const std::string& point, const std::string& path) {
-    return point == "/" || (path.compare(0, point.size(), point) == 0 &&
-                            (path.size() == point.size() || path[point.size()] == '/'));
+            g_unix_mount_get_fs_type(entry)};
 }
 
 }  // namespace
+
+bool is_within(const std::string& path, const std::string& directory) {
+    return directory == "/" || (path.compare(0, directory.size(), directory) == 0 &&
+                                (path.size() == directory.size() || path[directory.size()] == '/'));
+}
 
 std::vector<Mount> mount_table() {
     std::vector<Mount> mounts;
@@ -37,11 +37,15 @@ std::string mount_point_of(const std::string& device_file) {
     return mount != mounts.end() && !device_file.empty() ? mount->point : std::string();
 }
 
+bool is_system_path(const std::string& mount_point) {
+    return g_unix_is_mount_path_system_internal(mount_point.c_str()) != FALSE;
+}
+
 Mount mount_of(const std::string& directory) {
     Mount nearest = {};
     for (Mount& mount : mount_table()) {
         // A later line covers an earlier one of the same place.
-        if (holds(mount.point, directory) && mount.point.size() >= nearest.point.size()) {
+        if (is_within(directory, mount.point) && mount.point.size() >= nearest.point.size()) {
             nearest = std::move(mount);
         }
     }

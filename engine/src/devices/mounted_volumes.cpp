@@ -35,8 +35,8 @@ void MountedVolumes::on_mounts_changed(GUnixMountMonitor*, void* self) {
 Volumes MountedVolumes::volumes() const {
     Volumes volumes;
     for (const Mount& mount : mount_table()) {
-        const bool plugged =
-            !mount.is_system && (is_below_media(mount.point) || udev_.is_removable(mount.device_file));
+        const bool plugged = !is_system_path(mount.point) &&
+                             (is_below_media(mount.point) || udev_.is_removable(mount.device_file));
         // The same device mounted at several places is one drive.
         const bool known = std::any_of(volumes.begin(), volumes.end(), [&](const Volume& volume) {
             return volume.mount_point == mount.point ||

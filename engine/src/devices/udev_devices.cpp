@@ -9,6 +9,7 @@ namespace engine {
 
 namespace {
 
+constexpr char kDeviceDirectory[] = "/dev/";
 constexpr char kStillImageClass[] = "06";
 
 using DevicePtr = std::unique_ptr<GUdevDevice, Release<g_object_unref>>;
@@ -153,6 +154,11 @@ Devices UdevDevices::optical_drives() const {
 
 DevicePtr UdevDevices::block_device(const std::string& device_file) const {
     DevicePtr device(g_udev_client_query_by_device_file(client_.get(), device_file.c_str()));
+    if (!device && device_file.rfind(kDeviceDirectory, 0) == 0) {
+        // Not every process sees the nodes of all devices.
+        const std::string name = device_file.substr(sizeof(kDeviceDirectory) - 1);
+        device.reset(g_udev_client_query_by_subsystem_and_name(client_.get(), "block", name.c_str()));
+    }
     return device && text(g_udev_device_get_subsystem(device.get())) == "block" ? std::move(device) : nullptr;
 }
 

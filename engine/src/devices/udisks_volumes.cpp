@@ -19,7 +19,7 @@ constexpr char kBlock[] = "org.freedesktop.UDisks2.Block";
 constexpr char kDrive[] = "org.freedesktop.UDisks2.Drive";
 constexpr char kFilesystem[] = "org.freedesktop.UDisks2.Filesystem";
 constexpr char kObjectsType[] = "(a{oa{sa{sv}}})";
-constexpr int kLongestAnswerMilliseconds = 5000;
+constexpr int kLongestAnswerMilliseconds = 2000;
 
 /// The properties of one interface of an object; null if the object has no such interface.
 VariantPtr properties_of(GVariant* interfaces, const char* interface) {
@@ -53,10 +53,6 @@ std::string first_mount_point(GVariant* filesystem) {
     return g_variant_get_bytestring(first.get());
 }
 
-bool is_system_mount(const std::string& mount_point) {
-    return mount_point == "/" || mount_of(mount_point).is_system;
-}
-
 /// The volume that an object is; nothing for one that is no file system of a drive that people plug in, or
 /// that is not mounted.
 std::optional<Volume> parse_volume(GVariant* objects, GVariant* interfaces) {
@@ -71,7 +67,7 @@ std::optional<Volume> parse_volume(GVariant* objects, GVariant* interfaces) {
     const bool plugged = drive && !flag(drive.get(), "Optical") &&
                          (flag(drive.get(), "Removable") || text(drive.get(), "ConnectionBus") == "usb");
     const std::string mount_point = first_mount_point(filesystem.get());
-    if (!plugged || mount_point.empty() || is_system_mount(mount_point)) {
+    if (!plugged || mount_point.empty() || is_system_path(mount_point)) {
         return std::nullopt;
     }
     return Volume{mount_point,
@@ -129,7 +125,7 @@ UDisksVolumes::~UDisksVolumes() {
 
 void UDisksVolumes::on_appeared(GDBusConnection*, const char*, const char*, void* data) {
     auto* self = static_cast<UDisksVolumes*>(data);
-    self->state_ = State::kAsked;
+    self->state_ = State::kUnknown;
     self->ask();
 }
 
@@ -138,6 +134,7 @@ void UDisksVolumes::on_vanished(GDBusConnection*, const char*, void* data) {
     if (self->question_) {
         g_cancellable_cancel(self->question_.get());
         self->question_.reset();
+        self->outdated_ = false;
     }
     self->state_ = State::kAbsent;
     self->volumes_.clear();
@@ -147,7 +144,7 @@ void UDisksVolumes::on_vanished(GDBusConnection*, const char*, void* data) {
 void UDisksVolumes::on_signal(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
                               void* data) {
     auto* self = static_cast<UDisksVolumes*>(data);
-    if (self->state_ == State::kAsked || self->state_ == State::kAnswered) {
+    if (self->state_ != State::kAbsent) {
         self->ask();
     }
 }
@@ -185,7 +182,7 @@ void UDisksVolumes::take(GVariant* reply, const char* failure) {
     } else {
         ENGINE_WARNING("%s does not answer: %s", kService, failure);
         volumes_.clear();
-        state_ = State::kAbsent;
+        state_ = State::kFailed;
     }
     changed_();
 }

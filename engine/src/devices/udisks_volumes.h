@@ -26,13 +26,13 @@ public:
     UDisksVolumes& operator=(const UDisksVolumes&) = delete;
 
     /// False until it is known whether the service runs and, if it does, what it has.
-    bool is_settled() const { return state_ == State::kAbsent || state_ == State::kAnswered; }
-    /// Whether the service runs and answers.
+    bool is_settled() const { return state_ != State::kUnknown; }
+    /// Whether the service runs and answered when it was asked last.
     bool is_there() const { return state_ == State::kAnswered; }
     const Volumes& volumes() const { return volumes_; }
 
 private:
-    enum class State { kUnknown, kAbsent, kAsked, kAnswered };
+    enum class State { kUnknown, kAbsent, kFailed, kAnswered };
 
     void ask();
     void take(GVariant* reply, const char* failure);

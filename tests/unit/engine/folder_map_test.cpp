@@ -103,6 +103,18 @@ TEST_F(FolderMapTest, ForgetsAFolderWhoseDriveWasAttachedAnew) {
     EXPECT_EQ("", map.find(key("USBDrive1/folder")));
 }
 
+TEST_F(FolderMapTest, ForgetsTheFoldersOfADatabaseThatWasReplaced) {
+    const std::string database = temp.write("media.db", "rows");
+    FolderMap of_database(3, database);
+    const FolderKey holiday = {1000, temp.old_folder("holiday"), "storage"};
+    ASSERT_TRUE(of_database.add(holiday, "12"));
+    temp.write("media.db", "more rows");
+    EXPECT_EQ("12", of_database.find(holiday)) << "the same database";
+    std::filesystem::rename(database, temp.path("damaged.db"));
+    temp.write("media.db", "rows");
+    EXPECT_EQ("", of_database.find(holiday));
+}
+
 TEST_F(FolderMapTest, RefusesAPathThatIsNoDirectory) {
     temp.write("file", "");
     EXPECT_FALSE(map.add(key("file"), "12"));
