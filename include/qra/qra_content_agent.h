@@ -6,6 +6,7 @@
 #define QRA_QRA_CONTENT_AGENT_H
 
 #include <qra/qra_agent.h>
+#include <qra/qra_batch.h>
 #include <qra/qra_device_check.h>
 #include <qra/qra_folder_thumb.h>
 #include <qra/qra_param.h>

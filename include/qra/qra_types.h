@@ -118,6 +118,12 @@ typedef enum {
     QRA_PROCESSOR_TYPE_PLAYLIST_ITEM_ADD = 50
 } qra_processor_type_e;
 
+/** What becomes of a file that a stopped batch job has copied in part. */
+typedef enum {
+    QRA_STOP_TYPE_REMOVE = 0,
+    QRA_STOP_TYPE_KEEP = 1 /**< any other value removes it */
+} qra_stop_type_e;
+
 /** The kind of a batch job's device. */
 typedef enum {
     QRA_DEV_TYPE_DEFAULT = 0,
@@ -171,7 +177,7 @@ typedef qra_like_s* qra_like_param_h;                       /**< a qra_like_s */
 typedef qra_detail_s* qra_detail_param_h;                   /**< a qra_detail_s */
 /** @} */
 
-/** State of a batch job, handed to qra_share_cb. */
+/** State of a batch job, handed to qra_share_cb; see qra_batch.h. */
 typedef struct qra_share_status_info_s qra_share_status_info_s;
 
 /**
@@ -190,7 +196,14 @@ typedef bool (*on_detail_complete_cb)(void* pUserData, CQRAAgentHandle* pHandle,
                                       qra_event_e eEvent, const char* pData);
 /** Answers a bookmark request. */
 typedef bool (*on_get_dlna_bookmark_cb)(void* pUserData, int nBookMark);
-/** Tells how a batch job goes. */
+/**
+ * Tells how a batch job goes; runs on the job's thread. See qra_batch.h.
+ * @param pUserData what the client gave with the job
+ * @param pHandle   the job
+ * @param eEvent    one of the QRA_EVENT_BATCH events
+ * @param pStatus   how far the job is; valid during the call only
+ * @return not looked at
+ */
 typedef bool (*qra_share_cb)(void* pUserData, CQRASendHandle* pHandle, qra_event_e eEvent,
                              qra_share_status_info_s* pStatus);
 

@@ -59,6 +59,11 @@ class JournalThread : public IQRAShareThread {
 public:
     explicit JournalThread(Journal& journal) : journal_(journal) {}
     ~JournalThread() override { journal_.push_back("thread destroyed"); }
+    qra_error_code_e Excute(qra_share_s*, CQRAAgentHandle*, qra_share_user_data_s*,
+                            CQRASendHandle**) override {
+        return QRA_ERROR_NONE;
+    }
+    qra_error_code_e Stop(CQRASendHandle*, qra_stop_type_e) override { return QRA_ERROR_NONE; }
 
 private:
     Journal& journal_;
