@@ -1,0 +1,306 @@
+#include "engine/plugins/http/http_session.h"
+
+#include <libsoup/soup.h>
+
+#include <array>
+#include <optional>
+
+#include "engine/plugins/http/http_reason.h"
+#include "engine/plugins/support/timer.h"
+#include "engine/src/glib_ptr.h"
+
+namespace engine {
+
+namespace {
+
+using UriPtr = std::unique_ptr<GUri, Release<g_uri_unref>>;
+using BytesPtr = std::unique_ptr<GBytes, Release<g_bytes_unref>>;
+using SoupSessionPtr = std::unique_ptr<SoupSession, Release<g_object_unref>>;
+using MessagePtr = std::unique_ptr<SoupMessage, Release<g_object_unref>>;
+using StreamPtr = std::unique_ptr<GInputStream, Release<g_object_unref>>;
+using CancellablePtr = std::unique_ptr<GCancellable, Release<g_object_unref>>;
+using CharPtr = std::unique_ptr<char, Release<g_free>>;
+
+constexpr size_t kPieceSize = 64 * 1024;
+constexpr int kMostConnections = 4;
+constexpr auto kUriFlags = static_cast<GUriFlags>(SOUP_HTTP_URI_FLAGS);
+
+/// Null for all but an http or https address of some server.
+UriPtr parse_address(const std::string& address) {
+    UriPtr uri(g_uri_parse(address.c_str(), kUriFlags, nullptr));
+    const std::string_view scheme = uri ? g_uri_get_scheme(uri.get()) : "";
+    const bool good = (scheme == "http" || scheme == "https") && g_uri_get_host(uri.get()) != nullptr &&
+                      *g_uri_get_host(uri.get()) != '\0';
+    return good ? std::move(uri) : nullptr;
+}
+
+bool is_safe(GUri* uri) {
+    return std::string_view(g_uri_get_scheme(uri)) == "https";
+}
+
+int port_of(GUri* uri) {
+    const int port = g_uri_get_port(uri);
+    return port > 0 ? port : is_safe(uri) ? 443 : 80;
+}
+
+bool same_server(GUri* one, GUri* other) {
+    return is_safe(one) == is_safe(other) && port_of(one) == port_of(other) &&
+           g_ascii_strcasecmp(g_uri_get_host(one), g_uri_get_host(other)) == 0;
+}
+
+/// How a server is called to people: its host, and its port where it has one of its own.
+std::string name_of(GUri* uri) {
+    const std::string host = g_uri_get_host(uri);
+    const int port = g_uri_get_port(uri);
+    return port > 0 && port != (is_safe(uri) ? 443 : 80) ? host + ":" + std::to_string(port) : host;
+}
+
+bool is_redirect(unsigned status) {
+    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+}
+
+}  // namespace
+
+struct HttpSession::Parts {
+    SoupSessionPtr soup;
+    HttpLimits limits;
+    UriPtr address;  ///< null if it is none
+    std::string user;
+    std::string password;
+
+    bool has_credentials() const { return !user.empty() || !password.empty(); }
+};
+
+/**
+ * A transfer, shared with the calls of the HTTP library that are under way: their ends come after a cancel
+ * too. Without a sink it is over.
+ */
+class HttpTransfer::State : public std::enable_shared_from_this<HttpTransfer::State> {
+public:
+    State(std::shared_ptr<const HttpSession::Parts> parts, HttpQuestion question, HttpSink& sink)
+        : parts_(std::move(parts)),
+          question_(std::move(question)),
+          sink_(&sink),
+          cancellable_(g_cancellable_new()) {}
+
+    void start();
+    void cancel();
+
+private:
+    using Holder = std::shared_ptr<State>;
+    template <void (State::*finish)(GObject*, GAsyncResult*)>
+    static void on_ready(GObject* source, GAsyncResult* result, void* holder);
+
+    void send();
+    MessagePtr new_message() const;
+    void sent(GObject* source, GAsyncResult* result);
+    void follow(const char* location);
+    void read_on();
+    void piece_read(GObject* source, GAsyncResult* result);
+    void fail(const std::string& reason);
+
+    static gboolean on_authenticate(SoupMessage* message, SoupAuth* auth, gboolean again, void* parts);
+
+    const std::shared_ptr<const HttpSession::Parts> parts_;
+    const HttpQuestion question_;
+    HttpSink* sink_;
+    const CancellablePtr cancellable_;
+    UriPtr uri_;
+    MessagePtr message_;
+    StreamPtr stream_;
+    std::array<char, kPieceSize> piece_;
+    uint64_t bytes_ = 0;
+    int redirects_ = 0;
+    std::optional<Timer> deadline_;
+    std::optional<Timer> silence_;
+};
+
+void HttpTransfer::State::start() {
+    uri_ = parse_address(question_.url);
+    if (!uri_) {
+        deadline_.emplace(0, [this] { fail("the address is none of a web server"); });
+        return;
+    }
+    const auto late = [this] { fail(name_of(uri_.get()) + " did not answer in time"); };
+    deadline_.emplace(parts_->limits.milliseconds_in_all, late);
+    silence_.emplace(parts_->limits.milliseconds_of_silence, late);
+    send();
+}
+
+void HttpTransfer::State::cancel() {
+    sink_ = nullptr;
+    deadline_.reset();
+    silence_.reset();
+    g_cancellable_cancel(cancellable_.get());
+}
+
+/// The transfer is over before its sink hears of it, so that it may do what it likes.
+void HttpTransfer::State::fail(const std::string& reason) {
+    const Holder keep = shared_from_this();
+    HttpSink* sink = sink_;
+    cancel();
+    sink->on_failure(reason);
+}
+
+template <void (HttpTransfer::State::*finish)(GObject*, GAsyncResult*)>
+void HttpTransfer::State::on_ready(GObject* source, GAsyncResult* result, void* holder) {
+    const std::unique_ptr<Holder> state(static_cast<Holder*>(holder));
+    ((**state).*finish)(source, result);
+}
+
+gboolean HttpTransfer::State::on_authenticate(SoupMessage* message, SoupAuth* auth, gboolean again,
+                                              void* parts_of_session) {
+    const auto& parts = *static_cast<const HttpSession::Parts*>(parts_of_session);
+    const bool ours = !soup_auth_is_for_proxy(auth) && parts.address &&
+                      same_server(soup_message_get_uri(message), parts.address.get());
+    if (again || !ours || !parts.has_credentials()) {
+        return FALSE;
+    }
+    soup_auth_authenticate(auth, parts.user.c_str(), parts.password.c_str());
+    return TRUE;
+}
+
+MessagePtr HttpTransfer::State::new_message() const {
+    MessagePtr message(soup_message_new_from_uri(question_.method.c_str(), uri_.get()));
+    soup_message_add_flags(message.get(), SOUP_MESSAGE_NO_REDIRECT);
+    SoupMessageHeaders* headers = soup_message_get_request_headers(message.get());
+    for (const auto& [name, value] : question_.headers) {
+        soup_message_headers_replace(headers, name.c_str(), value.c_str());
+    }
+    if (!question_.body.empty()) {
+        const BytesPtr body(g_bytes_new(question_.body.data(), question_.body.size()));
+        soup_message_set_request_body_from_bytes(message.get(), question_.body_type.c_str(), body.get());
+    }
+    // The session, and with it its parts, outlives the message.
+    g_signal_connect(message.get(), "authenticate", G_CALLBACK(on_authenticate),
+                     const_cast<HttpSession::Parts*>(parts_.get()));
+    return message;
+}
+
+void HttpTransfer::State::send() {
+    message_ = new_message();
+    soup_session_send_async(parts_->soup.get(), message_.get(), G_PRIORITY_DEFAULT, cancellable_.get(),
+                            on_ready<&State::sent>, std::make_unique<Holder>(shared_from_this()).release());
+}
+
+void HttpTransfer::State::sent(GObject* source, GAsyncResult* result) {
+    GError* failure = nullptr;
+    stream_.reset(soup_session_send_finish(SOUP_SESSION(source), result, &failure));
+    const std::unique_ptr<GError, Release<g_error_free>> error(failure);
+    if (!sink_) {
+        return;
+    }
+    const std::string server = name_of(uri_.get());
+    if (error) {
+        const GTlsCertificateFlags flaws = soup_message_get_tls_peer_certificate_errors(message_.get());
+        const bool distrusted = error->domain == G_TLS_ERROR && flaws != 0;
+        fail(distrusted ? reason_of_certificate(server, flaws) : reason_of_error(server, *error));
+        return;
+    }
+    const unsigned status = soup_message_get_status(message_.get());
+    if (is_redirect(status)) {
+        follow(soup_message_headers_get_one(soup_message_get_response_headers(message_.get()), "Location"));
+    } else if (status == question_.wanted_status) {
+        sink_->on_begin(CharPtr(g_uri_to_string_partial(uri_.get(), G_URI_HIDE_USERINFO)).get());
+        read_on();
+    } else if (status >= 200 && status < 300) {
+        fail(server + " " + question_.wrong_status);
+    } else {
+        fail(reason_of_status(server, status, parts_->has_credentials()));
+    }
+}
+
+void HttpTransfer::State::follow(const char* location) {
+    const std::string server = name_of(uri_.get());
+    if (++redirects_ > parts_->limits.redirects) {
+        fail(server + " sends us round in circles");
+        return;
+    }
+    const UriPtr target(location ? g_uri_parse_relative(uri_.get(), location, kUriFlags, nullptr)
+                                 : nullptr);
+    UriPtr next =
+        target ? parse_address(CharPtr(g_uri_to_string_partial(target.get(), G_URI_HIDE_USERINFO)).get())
+               : nullptr;
+    if (!next) {
+        fail(server + " sends us to an address that is none");
+        return;
+    }
+    if (parts_->has_credentials() && is_safe(uri_.get()) && !is_safe(next.get())) {
+        fail(server +
+             " sends us from a safe address to an unsafe one (http), where the password is not safe");
+        return;
+    }
+    stream_.reset();
+    uri_ = std::move(next);
+    silence_->restart(parts_->limits.milliseconds_of_silence);
+    send();
+}
+
+void HttpTransfer::State::read_on() {
+    if (!sink_) {
+        return;
+    }
+    g_input_stream_read_async(stream_.get(), piece_.data(), piece_.size(), G_PRIORITY_DEFAULT,
+                              cancellable_.get(), on_ready<&State::piece_read>,
+                              std::make_unique<Holder>(shared_from_this()).release());
+}
+
+void HttpTransfer::State::piece_read(GObject* source, GAsyncResult* result) {
+    GError* failure = nullptr;
+    const gssize size = g_input_stream_read_finish(G_INPUT_STREAM(source), result, &failure);
+    const std::unique_ptr<GError, Release<g_error_free>> error(failure);
+    if (!sink_) {
+        return;
+    }
+    if (error) {
+        fail(reason_of_error(name_of(uri_.get()), *error));
+        return;
+    }
+    if (size == 0) {
+        HttpSink* sink = sink_;
+        cancel();
+        sink->on_end();
+        return;
+    }
+    bytes_ += static_cast<uint64_t>(size);
+    if (bytes_ > parts_->limits.bytes) {
+        fail(name_of(uri_.get()) + " sends more than an answer can be long");
+        return;
+    }
+    silence_->restart(parts_->limits.milliseconds_of_silence);
+    sink_->on_bytes(piece_.data(), static_cast<size_t>(size));
+    read_on();
+}
+
+HttpTransfer::HttpTransfer(std::shared_ptr<State> state) : state_(std::move(state)) {}
+
+HttpTransfer::~HttpTransfer() {
+    state_->cancel();
+}
+
+HttpSession::HttpSession(const Account& account, const HttpLimits& limits)
+    : parts_(std::make_shared<Parts>(
+          Parts{SoupSessionPtr(soup_session_new_with_options("max-conns-per-host", kMostConnections,
+                                                             "user-agent", "qra-content-engine", nullptr)),
+                limits, parse_address(account.address), account.user, account.password})) {}
+
+HttpSession::~HttpSession() = default;
+
+std::unique_ptr<HttpTransfer> HttpSession::start(HttpQuestion question, HttpSink& sink) {
+    auto state = std::make_shared<HttpTransfer::State>(parts_, std::move(question), sink);
+    state->start();
+    return std::make_unique<HttpTransfer>(std::move(state));
+}
+
+std::string wrong_address(const std::string& address) {
+    const UriPtr uri = parse_address(address);
+    if (!uri) {
+        return "the account's address is not one that begins with http:// or https://";
+    }
+    if (g_uri_get_userinfo(uri.get()) != nullptr) {
+        return "the account's address must not hold a user or a password";
+    }
+    return {};
+}
+
+}  // namespace engine
