@@ -68,6 +68,8 @@ struct HttpSession::Parts {
     std::string user;
     std::string password;
 
+    bool basic_wanted = false;  ///< the account's server asked for the "Basic" scheme
+
     bool has_credentials() const { return !user.empty() || !password.empty(); }
 };
 
@@ -77,7 +79,7 @@ struct HttpSession::Parts {
  */
 class HttpTransfer::State : public std::enable_shared_from_this<HttpTransfer::State> {
 public:
-    State(std::shared_ptr<const HttpSession::Parts> parts, HttpQuestion question, HttpSink& sink)
+    State(std::shared_ptr<HttpSession::Parts> parts, HttpQuestion question, HttpSink& sink)
         : parts_(std::move(parts)),
           question_(std::move(question)),
           sink_(&sink),
@@ -92,16 +94,19 @@ private:
     static void on_ready(GObject* source, GAsyncResult* result, void* holder);
 
     void send();
-    MessagePtr new_message() const;
+    MessagePtr new_message();
     void sent(GObject* source, GAsyncResult* result);
     void follow(const char* location);
     void read_on();
     void piece_read(GObject* source, GAsyncResult* result);
     void fail(const std::string& reason);
 
-    static gboolean on_authenticate(SoupMessage* message, SoupAuth* auth, gboolean again, void* parts);
+    static void set_body(SoupMessage* message, void* question);
+    static gboolean on_authenticate(SoupMessage* message, SoupAuth* auth, gboolean again, void* self);
+    bool may_know_password() const;
+    void add_basic(SoupMessage* message);
 
-    const std::shared_ptr<const HttpSession::Parts> parts_;
+    const std::shared_ptr<HttpSession::Parts> parts_;
     const HttpQuestion question_;
     HttpSink* sink_;
     const CancellablePtr cancellable_;
@@ -111,6 +116,8 @@ private:
     std::array<char, kPieceSize> piece_;
     uint64_t bytes_ = 0;
     int redirects_ = 0;
+    bool basic_asked_ = false;
+    bool basic_sent_ = false;
     std::optional<Timer> deadline_;
     std::optional<Timer> silence_;
 };
@@ -148,32 +155,56 @@ void HttpTransfer::State::on_ready(GObject* source, GAsyncResult* result, void* 
     ((**state).*finish)(source, result);
 }
 
-gboolean HttpTransfer::State::on_authenticate(SoupMessage* message, SoupAuth* auth, gboolean again,
-                                              void* parts_of_session) {
-    const auto& parts = *static_cast<const HttpSession::Parts*>(parts_of_session);
-    const bool ours = !soup_auth_is_for_proxy(auth) && parts.address &&
-                      same_server(soup_message_get_uri(message), parts.address.get());
-    if (again || !ours || !parts.has_credentials()) {
+gboolean HttpTransfer::State::on_authenticate(SoupMessage*, SoupAuth* auth, gboolean again, void* self) {
+    auto* state = static_cast<State*>(self);
+    const HttpSession::Parts& parts = *state->parts_;
+    if (again || soup_auth_is_for_proxy(auth) || !state->may_know_password()) {
+        return FALSE;
+    }
+    if (std::string_view(soup_auth_get_scheme_name(auth)) == "Basic") {
+        // The library would write what is not ASCII in Latin-1; servers want UTF-8.
+        state->basic_asked_ = true;
         return FALSE;
     }
     soup_auth_authenticate(auth, parts.user.c_str(), parts.password.c_str());
     return TRUE;
 }
 
-MessagePtr HttpTransfer::State::new_message() const {
+bool HttpTransfer::State::may_know_password() const {
+    return parts_->has_credentials() && parts_->address && same_server(uri_.get(), parts_->address.get());
+}
+
+/// Once the server is known to want it, it gets the password without asking.
+void HttpTransfer::State::add_basic(SoupMessage* message) {
+    basic_sent_ = true;
+    const std::string plain = parts_->user + ":" + parts_->password;
+    const CharPtr encoded(g_base64_encode(reinterpret_cast<const guchar*>(plain.data()), plain.size()));
+    soup_message_headers_replace(soup_message_get_request_headers(message), "Authorization",
+                                 ("Basic " + std::string(encoded.get())).c_str());
+}
+
+void HttpTransfer::State::set_body(SoupMessage* message, void* question_of_transfer) {
+    const auto& question = *static_cast<const HttpQuestion*>(question_of_transfer);
+    if (!question.body.empty()) {
+        const BytesPtr body(g_bytes_new(question.body.data(), question.body.size()));
+        soup_message_set_request_body_from_bytes(message, question.body_type.c_str(), body.get());
+    }
+}
+
+MessagePtr HttpTransfer::State::new_message() {
     MessagePtr message(soup_message_new_from_uri(question_.method.c_str(), uri_.get()));
     soup_message_add_flags(message.get(), SOUP_MESSAGE_NO_REDIRECT);
     SoupMessageHeaders* headers = soup_message_get_request_headers(message.get());
     for (const auto& [name, value] : question_.headers) {
         soup_message_headers_replace(headers, name.c_str(), value.c_str());
     }
-    if (!question_.body.empty()) {
-        const BytesPtr body(g_bytes_new(question_.body.data(), question_.body.size()));
-        soup_message_set_request_body_from_bytes(message.get(), question_.body_type.c_str(), body.get());
+    set_body(message.get(), const_cast<HttpQuestion*>(&question_));
+    // A message that is sent again, after the server asked for a password, has lost its body.
+    g_signal_connect(message.get(), "restarted", G_CALLBACK(set_body), const_cast<HttpQuestion*>(&question_));
+    if (parts_->basic_wanted && may_know_password()) {
+        add_basic(message.get());
     }
-    // The session, and with it its parts, outlives the message.
-    g_signal_connect(message.get(), "authenticate", G_CALLBACK(on_authenticate),
-                     const_cast<HttpSession::Parts*>(parts_.get()));
+    g_signal_connect(message.get(), "authenticate", G_CALLBACK(on_authenticate), this);
     return message;
 }
 
@@ -198,7 +229,11 @@ void HttpTransfer::State::sent(GObject* source, GAsyncResult* result) {
         return;
     }
     const unsigned status = soup_message_get_status(message_.get());
-    if (is_redirect(status)) {
+    if (status == 401 && basic_asked_ && !basic_sent_) {
+        parts_->basic_wanted = true;
+        stream_.reset();
+        send();
+    } else if (is_redirect(status)) {
         follow(soup_message_headers_get_one(soup_message_get_response_headers(message_.get()), "Location"));
     } else if (status == question_.wanted_status) {
         sink_->on_begin(CharPtr(g_uri_to_string_partial(uri_.get(), G_URI_HIDE_USERINFO)).get());
@@ -216,8 +251,7 @@ void HttpTransfer::State::follow(const char* location) {
         fail(server + " sends us round in circles");
         return;
     }
-    const UriPtr target(location ? g_uri_parse_relative(uri_.get(), location, kUriFlags, nullptr)
-                                 : nullptr);
+    const UriPtr target(location ? g_uri_parse_relative(uri_.get(), location, kUriFlags, nullptr) : nullptr);
     UriPtr next =
         target ? parse_address(CharPtr(g_uri_to_string_partial(target.get(), G_URI_HIDE_USERINFO)).get())
                : nullptr;

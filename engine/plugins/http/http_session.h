@@ -76,7 +76,7 @@ public:
     std::unique_ptr<HttpTransfer> start(HttpQuestion question, HttpSink& sink);
 
 private:
-    const std::shared_ptr<const Parts> parts_;
+    const std::shared_ptr<Parts> parts_;
 };
 
 /// Empty, or why the address cannot be an account's.
