@@ -4,8 +4,23 @@
 
 #include <exception>
 #include <memory>
+#include <sstream>
 
 namespace engine {
+
+namespace {
+
+/// Costly to make, and keeps nothing of what it wrote.
+Json::StreamWriter& writer() {
+    thread_local const std::unique_ptr<Json::StreamWriter> made = [] {
+        Json::StreamWriterBuilder builder;
+        builder["indentation"] = "";
+        return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
+    }();
+    return *made;
+}
+
+}  // namespace
 
 Json::Value parse_json_object(const std::string& text, int depth) {
     Json::CharReaderBuilder builder;
@@ -25,9 +40,9 @@ Json::Value parse_json_object(const std::string& text, int depth) {
 }
 
 std::string to_json_text(const Json::Value& value) {
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    return Json::writeString(builder, value);
+    std::ostringstream text;
+    writer().write(value, &text);
+    return text.str();
 }
 
 std::string json_text_member(const Json::Value& object, const char* key) {

@@ -2,8 +2,11 @@
 
 #include <cstdio>
 
+#include "engine/plugins/feed/feed_plugin.h"
+#include "engine/plugins/webdav/webdav_plugin.h"
 #include "engine/src/engine_daemon.h"
 #include "engine/src/glib_ptr.h"
+#include "engine/src/user_accounts.h"
 
 namespace {
 
@@ -41,6 +44,14 @@ bool parse_options(int argc, char** argv, Options& options) {
     return !wrong;
 }
 
+engine::EngineSetup setup() {
+    engine::EngineSetup setup;
+    setup.plugins.add(engine::make_webdav_plugin());
+    setup.plugins.add(engine::make_feed_plugin());
+    setup.accounts = engine::user_accounts();
+    return setup;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -53,5 +64,5 @@ int main(int argc, char** argv) {
                     QRA_CONTENT_AGENT_VERSION_MINOR, QRA_CONTENT_AGENT_VERSION_PATCH);
         return 0;
     }
-    return engine::EngineDaemon(engine::EngineSetup(), options.idle_seconds).run();
+    return engine::EngineDaemon(setup(), options.idle_seconds).run();
 }

@@ -11,7 +11,7 @@
 #include "engine/plugins/support/held_items.h"
 #include "engine/plugins/support/job.h"
 #include "engine/plugins/support/media_kind.h"
-#include "engine/plugins/support/timer.h"
+#include "engine/src/timer.h"
 
 namespace engine {
 
@@ -73,7 +73,7 @@ public:
 
     void start() {
         if (!query_.container.empty()) {
-            later_.emplace(0, [this] { fail("a feed has no folders"); });
+            later_.start(0, [this] { fail("a feed has no folders"); });
             return;
         }
         fetch_.emplace(
@@ -83,7 +83,7 @@ public:
 
     void cancel() override {
         answer_ = nullptr;
-        later_.reset();
+        later_.stop();
         if (fetch_) {
             fetch_->cancel();
         }
@@ -119,7 +119,7 @@ private:
     const std::string url_;
     const ListQuery query_;
     ListAnswer* answer_;  ///< null when nothing is answered any more
-    std::optional<Timer> later_;
+    Timer later_;
     std::optional<FeedFetch> fetch_;
 };
 

@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "engine/plugins/http/http_reason.h"
-#include "engine/plugins/support/timer.h"
 #include "engine/src/glib_ptr.h"
+#include "engine/src/timer.h"
 
 namespace engine {
 
@@ -100,6 +100,8 @@ private:
     void read_on();
     void piece_read(GObject* source, GAsyncResult* result);
     void fail(const std::string& reason);
+    void fail_late();
+    void expect_more();
 
     static void set_body(SoupMessage* message, void* question);
     static gboolean on_authenticate(SoupMessage* message, SoupAuth* auth, gboolean again, void* self);
@@ -118,26 +120,33 @@ private:
     int redirects_ = 0;
     bool basic_asked_ = false;
     bool basic_sent_ = false;
-    std::optional<Timer> deadline_;
-    std::optional<Timer> silence_;
+    Timer deadline_;
+    Timer silence_;
 };
 
 void HttpTransfer::State::start() {
     uri_ = parse_address(question_.url);
     if (!uri_) {
-        deadline_.emplace(0, [this] { fail("the address is none of a web server"); });
+        deadline_.start(0, [this] { fail("the address is none of a web server"); });
         return;
     }
-    const auto late = [this] { fail(name_of(uri_.get()) + " did not answer in time"); };
-    deadline_.emplace(parts_->limits.milliseconds_in_all, late);
-    silence_.emplace(parts_->limits.milliseconds_of_silence, late);
+    deadline_.start(parts_->limits.milliseconds_in_all, [this] { fail_late(); });
+    expect_more();
     send();
+}
+
+void HttpTransfer::State::expect_more() {
+    silence_.start(parts_->limits.milliseconds_of_silence, [this] { fail_late(); });
+}
+
+void HttpTransfer::State::fail_late() {
+    fail(name_of(uri_.get()) + " did not answer in time");
 }
 
 void HttpTransfer::State::cancel() {
     sink_ = nullptr;
-    deadline_.reset();
-    silence_.reset();
+    deadline_.stop();
+    silence_.stop();
     g_cancellable_cancel(cancellable_.get());
 }
 
@@ -266,7 +275,7 @@ void HttpTransfer::State::follow(const char* location) {
     }
     stream_.reset();
     uri_ = std::move(next);
-    silence_->restart(parts_->limits.milliseconds_of_silence);
+    expect_more();
     send();
 }
 
@@ -301,7 +310,7 @@ void HttpTransfer::State::piece_read(GObject* source, GAsyncResult* result) {
         fail(name_of(uri_.get()) + " sends more than an answer can be long");
         return;
     }
-    silence_->restart(parts_->limits.milliseconds_of_silence);
+    expect_more();
     sink_->on_bytes(piece_.data(), static_cast<size_t>(size));
     read_on();
 }

@@ -5,22 +5,12 @@
 
 #include <algorithm>
 #include <limits>
-#include <memory>
-#include <sstream>
+
+#include "engine/src/json_text.h"
 
 namespace engine {
 
 namespace {
-
-/// Writers are costly to make and keep nothing of what they wrote.
-Json::StreamWriter& json_writer() {
-    static const std::unique_ptr<Json::StreamWriter> writer = [] {
-        Json::StreamWriterBuilder builder;
-        builder["indentation"] = "";
-        return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
-    }();
-    return *writer;
-}
 
 /// Clients read times as numbers of 32 bits.
 int narrow_time(int64_t seconds) {
@@ -51,10 +41,7 @@ std::string item_text(const Item& item) {
     for (const auto& [name, value] : item.details) {
         object[name] = value;
     }
-    std::ostringstream line;
-    json_writer().write(object, &line);
-    line << '\n';
-    return line.str();
+    return to_json_text(object) + "\n";
 }
 
 }  // namespace engine

@@ -14,7 +14,7 @@ WebDavDetail::WebDavDetail(std::shared_ptr<HttpSession> http, std::string top, s
 void WebDavDetail::start() {
     id_ = parse_id(item_id_);
     if (!id_ || id_->path.empty()) {
-        later_.emplace(
+        later_.start(
             0, [this] { answer(ItemAnswer::Outcome::kFailed, "there is no such item in this account"); });
         return;
     }
@@ -30,7 +30,7 @@ void WebDavDetail::start() {
 
 void WebDavDetail::cancel() {
     done_ = nullptr;
-    later_.reset();
+    later_.stop();
     if (propfind_) {
         propfind_->cancel();
     }

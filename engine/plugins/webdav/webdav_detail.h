@@ -7,8 +7,8 @@
 
 #include "engine/plugins/http/http_session.h"
 #include "engine/plugins/support/job.h"
-#include "engine/plugins/support/timer.h"
 #include "engine/plugins/webdav/propfind.h"
+#include "engine/src/timer.h"
 
 namespace engine {
 
@@ -29,7 +29,7 @@ private:
     ItemDone done_;  ///< empty when nothing is answered any more
     std::optional<WebDavId> id_;
     std::string text_;
-    std::optional<Timer> later_;
+    Timer later_;
     std::optional<Propfind> propfind_;
 };
 

@@ -31,7 +31,7 @@ WebDavList::WebDavList(std::shared_ptr<HttpSession> http, std::string top, const
 void WebDavList::start() {
     auto folder_id = parse_id(query_.container);
     if (!folder_id) {
-        later_.emplace(0, [this] { fail("there is no such folder in this account"); });
+        later_.start(0, [this] { fail("there is no such folder in this account"); });
         return;
     }
     folder_id_ = std::move(folder_id->id);
@@ -45,7 +45,7 @@ void WebDavList::start() {
 
 void WebDavList::cancel() {
     answer_ = nullptr;
-    later_.reset();
+    later_.stop();
     if (items_) {
         items_->cancel();
     }

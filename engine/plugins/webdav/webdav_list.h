@@ -8,8 +8,8 @@
 #include "engine/plugins/http/http_session.h"
 #include "engine/plugins/support/held_items.h"
 #include "engine/plugins/support/job.h"
-#include "engine/plugins/support/timer.h"
 #include "engine/plugins/webdav/propfind.h"
+#include "engine/src/timer.h"
 
 namespace engine {
 
@@ -61,7 +61,7 @@ private:
     size_t entries_ = 0;
     std::string folder_id_;
     std::string url_;
-    std::optional<Timer> later_;
+    Timer later_;
     std::optional<Propfind> items_;
     std::optional<Propfind> kinds_;
 };
