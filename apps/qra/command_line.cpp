@@ -2,7 +2,9 @@
 
 #include <CLI/CLI.hpp>
 #include <climits>
+#include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "apps/qra/commands.h"
 
@@ -128,6 +130,49 @@ void add_browse_commands(CLI::App& app, CommandLine& line) {
     get->callback([&line] { line.command = run_get; });
 }
 
+constexpr const char* kChoices =
+    "What --select takes, with commas between: a list index as `qra list` shows it (3), a range (3-7, or 3- "
+    "to the\n"
+    "end), all, a group counted from 0 (group:2), a field and a pattern of the shell (TITLE=IMG*, "
+    "MEDIA_TYPE=2).\n"
+    "The other options choose the list, as for `qra list`.\n\n";
+
+void add_job_options(CLI::App& command, CommandLine& line) {
+    add_request_options(command, line);
+    const auto add_choices = [&line](const std::string& text) {
+        try {
+            for (TileChoice& choice : parse_tile_choices(text)) {
+                line.job.choices.push_back(std::move(choice));
+            }
+        } catch (const std::invalid_argument& error) {
+            throw CLI::ValidationError("--select", error.what());
+        }
+    };
+    command
+        .add_option_function<std::string>("--select", add_choices,
+                                          "The tiles, such as 3-7,12; may be repeated")
+        ->required()
+        ->trigger_on_parse();
+    command.add_flag("--dry-run", line.job.dry_run, "Only tell what would be done and what cannot be");
+    command.add_flag("--json", line.json, "One JSON object for each event, one on a line");
+    command.footer(std::string(kChoices) + kViews + kFooter);
+}
+
+void add_job_commands(CLI::App& app, CommandLine& line) {
+    CLI::App* copy =
+        app.add_subcommand("copy", "Copy chosen tiles to another folder, such as one on another drive");
+    add_job_options(*copy, line);
+    copy->add_option("--to", line.job.target,
+                     "The folder; copies go to PHOTO, VIDEO, MUSIC and CONTENTS (recordings) in it")
+        ->required();
+    copy->callback([&line] { line.command = run_copy; });
+
+    CLI::App* remove = app.add_subcommand("delete", "Delete the files of chosen tiles; asks first");
+    add_job_options(*remove, line);
+    remove->add_flag("--yes", line.job.yes, "Do not ask");
+    remove->callback([&line] { line.command = run_delete; });
+}
+
 void add_account_commands(CLI::App& app, CommandLine& line) {
     CLI::App* account =
         app.add_subcommand("account", "Accounts with services of the network that the content engine uses");
@@ -161,6 +206,7 @@ std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine&
     app.footer(kFooter);
     add_drive_commands(app, command_line);
     add_browse_commands(app, command_line);
+    add_job_commands(app, command_line);
     add_account_commands(app, command_line);
     try {
         app.parse(argc, argv);

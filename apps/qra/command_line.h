@@ -7,6 +7,7 @@
 
 #include "apps/qra/exit_status.h"
 #include "apps/qra/list_request.h"
+#include "apps/qra/tile_choice.h"
 
 struct CommandLine;
 using Command = void (*)(const CommandLine&);
@@ -20,10 +21,18 @@ struct AccountOptions {
     bool password_from_stdin = false;
 };
 
+/// A batch job on chosen tiles.
+struct JobOptions {
+    std::vector<TileChoice> choices;
+    std::string target;  ///< copy --to
+    bool dry_run = false;
+    bool yes = false;  ///< delete without asking
+};
+
 /// What the user asked for. Each command uses the fields that its options fill.
 struct CommandLine {
     Command command = nullptr;
-    std::string path;        ///< attach, scan, list, get
+    std::string path;        ///< attach, scan, list, get, copy, delete
     std::string drive_name;  ///< attach --as, detach
     bool recursive = false;
     bool json = false;
@@ -34,6 +43,7 @@ struct CommandLine {
     int index = 0;
     std::vector<std::string> fields;
     AccountOptions account;
+    JobOptions job;
 };
 
 /// Reads the command line. Prints help, the version, or what is wrong with the arguments.

@@ -11,6 +11,8 @@ void run_storages(const CommandLine& line);
 void run_scan(const CommandLine& line);
 void run_list(const CommandLine& line);
 void run_get(const CommandLine& line);
+void run_copy(const CommandLine& line);
+void run_delete(const CommandLine& line);
 void run_account_add(const CommandLine& line);
 void run_account_list(const CommandLine& line);
 void run_account_remove(const CommandLine& line);

@@ -54,18 +54,7 @@ const Kind kKinds[] = {
     {QRA_MEDIA_TYPE_PVR, "CONTENTS", {".inf", ".ss", ".mdb", ".mta", ".cip"}},
 };
 
-struct NoFile {
-    int media_type;
-    const char* reason;
-};
-
-constexpr NoFile kNoFiles[] = {
-    {QRA_MEDIA_TYPE_FOLDER, "is a folder"},
-    {QRA_MEDIA_TYPE_GROUP, "is the header of a group"},
-    {QRA_MEDIA_TYPE_UPFOLDER, "leads to the folder above"},
-    {QRA_MEDIA_TYPE_EMPTY, "is an empty tile"},
-    {QRA_MEDIA_TYPE_PLAYLIST, "is a playlist"},
-};
+constexpr int kWithoutContent[] = {QRA_MEDIA_TYPE_GROUP, QRA_MEDIA_TYPE_UPFOLDER, QRA_MEDIA_TYPE_EMPTY};
 
 const Kind* kind_of(int media_type) {
     const auto* kind =
@@ -167,13 +156,15 @@ TargetLimits target_limits(const std::string& directory) {
     return limits;
 }
 
+bool is_without_content(int media_type) {
+    return std::find(std::begin(kWithoutContent), std::end(kWithoutContent), media_type) !=
+           std::end(kWithoutContent);
+}
+
 std::string tile_refusal(int media_type) {
-    for (const NoFile& candidate : kNoFiles) {
-        if (candidate.media_type == media_type) {
-            return candidate.reason;
-        }
-    }
-    return "";
+    return media_type == QRA_MEDIA_TYPE_FOLDER     ? "is a folder"
+           : media_type == QRA_MEDIA_TYPE_PLAYLIST ? "is a playlist"
+                                                   : "";
 }
 
 const char* copy_folder(int media_type) {
@@ -182,6 +173,9 @@ const char* copy_folder(int media_type) {
 }
 
 std::string source_refusal(const JobItem& item) {
+    if (!item.has_time) {
+        return "cannot be copied: the media database has no modification time of it";
+    }
     struct stat status {};
     if (stat(item.path.c_str(), &status) != 0) {
         return "cannot be found: " + error_text(errno);

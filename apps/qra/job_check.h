@@ -28,7 +28,10 @@ struct TargetLimits {
 /// The limits of the file system that a directory lies on. @throws CommandError if they cannot be had
 TargetLimits target_limits(const std::string& directory);
 
-/// Why a tile is nothing that a job can work on: it is a folder, a header, ...
+/// A tile of the page that stands for no content: the way up, the header of a group, an empty one.
+bool is_without_content(int media_type);
+
+/// Why a job does not work on tiles of this kind.
 std::string tile_refusal(int media_type);
 
 /// Why the source of a copy cannot be read as it is.

@@ -11,6 +11,7 @@ struct JobItem {
     std::string name;
     std::string path;
     std::uint64_t size = 0;  ///< bytes, as the media database has it
+    bool has_time = false;   ///< the media database knows when it was modified
 };
 
 #endif

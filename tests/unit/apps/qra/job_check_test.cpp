@@ -23,6 +23,7 @@ JobItem item_named(const std::string& name, std::uint64_t size = 0) {
     item.media_type = QRA_MEDIA_TYPE_IMAGE;
     item.name = name;
     item.size = size;
+    item.has_time = true;
     return item;
 }
 
@@ -46,11 +47,18 @@ protected:
     TempDir directory_;
 };
 
-TEST_F(JobCheck, TilesWithoutAFileAreRefused) {
-    for (const int type : {QRA_MEDIA_TYPE_FOLDER, QRA_MEDIA_TYPE_GROUP, QRA_MEDIA_TYPE_UPFOLDER,
-                           QRA_MEDIA_TYPE_EMPTY, QRA_MEDIA_TYPE_PLAYLIST}) {
-        EXPECT_NE(tile_refusal(type), "") << type;
+TEST_F(JobCheck, TilesOfThePageAreNoContent) {
+    for (const int type : {QRA_MEDIA_TYPE_GROUP, QRA_MEDIA_TYPE_UPFOLDER, QRA_MEDIA_TYPE_EMPTY}) {
+        EXPECT_TRUE(is_without_content(type)) << type;
     }
+    for (const int type : {QRA_MEDIA_TYPE_FOLDER, QRA_MEDIA_TYPE_IMAGE, QRA_MEDIA_TYPE_PVR}) {
+        EXPECT_FALSE(is_without_content(type)) << type;
+    }
+}
+
+TEST_F(JobCheck, FoldersAndPlaylistsAreRefused) {
+    EXPECT_THAT(tile_refusal(QRA_MEDIA_TYPE_FOLDER), HasSubstr("folder"));
+    EXPECT_THAT(tile_refusal(QRA_MEDIA_TYPE_PLAYLIST), HasSubstr("playlist"));
     for (const int type :
          {QRA_MEDIA_TYPE_IMAGE, QRA_MEDIA_TYPE_VIDEO, QRA_MEDIA_TYPE_MUSIC, QRA_MEDIA_TYPE_PVR,
           QRA_MEDIA_TYPE_UHD, QRA_MEDIA_TYPE_IMAGE_EXT, QRA_MEDIA_TYPE_VIDEO_EXT}) {
@@ -84,6 +92,12 @@ TEST_F(JobCheck, SourceThatHasGoneOrChangedIsRefused) {
     JobItem folder = item_named("folder");
     folder.path = directory_.path();
     EXPECT_THAT(source_refusal(folder), HasSubstr("no regular file"));
+}
+
+TEST_F(JobCheck, SourceWithoutATimeCannotBeCopied) {
+    JobItem recording = item("a.srf");
+    recording.has_time = false;
+    EXPECT_THAT(source_refusal(recording), HasSubstr("modification time"));
 }
 
 TEST_F(JobCheck, FatHoldsNoFileOfFourGibibytes) {
