@@ -2,6 +2,7 @@
 
 #include <glib.h>
 #include <qra/qra_types.h>
+#include <sys/stat.h>
 
 #include <cstring>
 
@@ -172,17 +173,28 @@ bool GetValueOfKind(media_info_h hMedia, const std::string& strField, const mcf_
     }
 }
 
+CMallocText GetPVRPath(media_pvr_h hPVR) {
+    char* pPath = nullptr;
+    return CMallocText(GetSucceeded(media_pvr_get_path(hPVR, &pPath)) ? pPath : nullptr);
+}
+
 /// A recording's name is that of its file.
 bool GetPVRName(media_pvr_h hPVR, const mcf_out& out) {
-    char* pPath = nullptr;
-    if (!WantsText(out) || !GetSucceeded(media_pvr_get_path(hPVR, &pPath))) {
+    const CMallocText path = WantsText(out) ? GetPVRPath(hPVR) : CMallocText();
+    if (path == nullptr) {
         return false;
     }
-    const CMallocText path(pPath);
     gchar* const pName = g_path_get_basename(path.get());
     const bool bResult = CopyText(out, pName);
     g_free(pName);
     return bResult;
+}
+
+/// The database has no time of change for a recording; its file has.
+bool GetPVRModifiedTime(media_pvr_h hPVR, const mcf_out& out) {
+    const CMallocText path = WantsText(out) ? CMallocText() : GetPVRPath(hPVR);
+    struct stat64 status {};
+    return path != nullptr && stat64(path.get(), &status) == 0 && StoreNumber(out, status.st_mtime);
 }
 
 }  // namespace
@@ -231,6 +243,9 @@ bool CQRAMCFValue::m_GetPVRValue(const CMedia& media, const std::string& strFiel
     }
     if (strField == "MEDIA_TYPE") {
         return StoreNumber<int>(out, QRA_MEDIA_TYPE_PVR);
+    }
+    if (strField == "MODIFIED_TIME") {
+        return GetPVRModifiedTime(hPVR, out);
     }
     return strField == "DISPLAY_NAME" ? GetPVRName(hPVR, out)
                                       : GetFromTable(CQRAMCFValueTable::GetPVR(), hPVR, strField, out);

@@ -1,5 +1,8 @@
 #include "libqra-agent/source/local-source/qra_mcf_value.h"
 
+#include <sys/stat.h>
+
+#include <chrono>
 #include <climits>
 #include <map>
 
@@ -335,6 +338,19 @@ TEST_F(CQRAMCFValueOnDrive, ARecordingsNameIsThatOfItsFile) {
     EXPECT_EQ(number("d.srf", "DISPLAY_NAME"), -1);
     faults::fail("media_pvr_get_path");
     EXPECT_EQ(text("d.srf", "DISPLAY_NAME"), "(failed)");
+}
+
+TEST_F(CQRAMCFValueOnDrive, ARecordingsTimeOfChangeIsThatOfItsFile) {
+    const auto time = std::filesystem::file_time_type(std::chrono::seconds(0));
+    std::filesystem::last_write_time(path("folder/d.srf"), time);
+    struct stat status {};
+    ASSERT_EQ(stat(path("folder/d.srf").c_str(), &status), 0);
+    long changed = -1;
+    EXPECT_TRUE(get("d.srf", "MODIFIED_TIME", &changed));
+    EXPECT_EQ(changed, status.st_mtime);
+    EXPECT_EQ(text("d.srf", "MODIFIED_TIME"), "(failed)");
+    std::filesystem::remove(path("folder/d.srf"));
+    EXPECT_EQ(number("d.srf", "MODIFIED_TIME"), -1);
 }
 
 TEST_F(CQRAMCFValueOnDrive, ValuesComeFromTheRow) {
