@@ -2,9 +2,9 @@
 
 #include <fcntl.h>
 #include <glib.h>
+#include <sys/stat.h>
 
 #include "common/util/qra_assert.h"
-#include "common/util/qra_dir.h"
 #include "common/util/qra_log.h"
 #include "libqra-agent/agent/src/qra_handler.h"
 #include "libqra-agent/agent/src/qra_local_agent.h"
@@ -113,7 +113,24 @@ bool CQRACopyThread::m_CheckDestDev(const char* szPath) {
         return true;
     }
     m_strDestDevPath = szPath;
-    return CQRADir::DirExists(szPath);
+    struct stat64 status {};
+    if (stat64(szPath, &status) != 0 || !S_ISDIR(status.st_mode)) {
+        return false;
+    }
+    m_nDestDevice = status.st_dev;
+    return true;
+}
+
+bool CQRACopyThread::m_IsDestDevThere() const {
+    if (m_strDestDevPath.empty()) {
+        return true;
+    }
+    struct stat64 status {};
+    if (stat64(m_strDestDevPath.c_str(), &status) != 0 || status.st_dev != m_nDestDevice) {
+        QRA_LOG_WARNING(QRA_TAG_SEND, "The destination[%s] is gone.", m_strDestDevPath.c_str());
+        return false;
+    }
+    return true;
 }
 
 SHARE_RESULT_TYPE CQRACopyThread::t_JobProcess(void*) {
@@ -220,6 +237,9 @@ bool CQRACopyThread::m_OpenDestFile(const std::string& strDestDir, std::string& 
         QRA_LOG_WARNING(QRA_TAG_SEND, "No file name in [%s].", t_pShareFileInfo->GetFileName().c_str());
         return false;
     }
+    if (!m_IsDestDevThere()) {
+        return false;
+    }
     if (m_DstFile.IsOpened()) {
         m_DstFile.Destroy();  // a camera's copy before this one left it open
     }
@@ -267,7 +287,7 @@ SHARE_RESULT_TYPE CQRACopyThread::m_CopySrcFile(char* pBuffer) {
         }
         m_ReportProgress();
     }
-    return m_FlushDestFile() ? SHARE_RESULT_SUCCESS : SHARE_RESULT_WRITE_FAILED;
+    return m_FlushDestFile() && m_IsDestDevThere() ? SHARE_RESULT_SUCCESS : SHARE_RESULT_WRITE_FAILED;
 }
 
 bool CQRACopyThread::m_ReadBlock(char* pBuffer, unsigned long& nCount) {

@@ -1,6 +1,8 @@
 #ifndef QRA_AGENT_SHARE_SRC_QRA_COPY_THREAD_H
 #define QRA_AGENT_SHARE_SRC_QRA_COPY_THREAD_H
 
+#include <sys/types.h>
+
 #include <atomic>
 #include <memory>
 #include <string>
@@ -24,6 +26,10 @@ enum FILE_TYPE { FILE_TYPE_SOURCE = 0, FILE_TYPE_DESTINATION = 1 };
  * after a failure: a write that failed leaves the file as far as it got, a stop or a failed read removes it,
  * unless the stop type says to keep it.
  *
+ * A drive that is unmounted under a copy leaves its mount point behind, and the file that was open still
+ * takes what is written to it. So the file system of the destination is looked at before and after each file:
+ * a copy counts only where it can be found.
+ *
  * The size that the media database has decides when a file is complete; a source that has become shorter is
  * waited for until the client stops the job.
  *
@@ -43,6 +49,7 @@ protected:
 
 private:
     bool m_CheckDestDev(const char* szPath);
+    bool m_IsDestDevThere() const;
     bool m_CheckCopy(const std::string& strPath);
     bool m_CopyFile(const std::string& strPath, const std::string& strDestDir, std::string& strOut);
     bool m_OpenSrcAndDstFile(const std::string& strPath, const std::string& strDestDir, std::string& strOut);
@@ -62,6 +69,7 @@ private:
     bool m_IsPTP() const { return t_GetSourceDevType() == QRA_DEV_TYPE_PTP; }
 
     std::string m_strDestDevPath;
+    dev_t m_nDestDevice = 0;  ///< the file system of m_strDestDevPath when the job began
     CQRALocalAgent* m_pLocalAgent = nullptr;
     /// Set by the client's thread while the job's may read it.
     std::atomic<qra_stop_type_e> m_eStopType{QRA_STOP_TYPE_REMOVE};
