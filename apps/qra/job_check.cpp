@@ -246,9 +246,12 @@ std::string copy_failure(const JobItem& item, const std::string& directory, cons
     }
     const std::string source = source_refusal(item);
     const std::string target = source.empty() ? target_refusal(item, directory) : "";
-    return !source.empty()   ? source
-           : !target.empty() ? target
-                             : "could not be copied (QRA_LOG=warning tells why)";
+    if (source.empty() && target.empty()) {
+        return item.media_type == QRA_MEDIA_TYPE_PVR
+                   ? "could not be copied: it is still being recorded, or nothing is known of it"
+                   : "could not be copied (QRA_LOG=warning tells why)";
+    }
+    return source.empty() ? target : source;
 }
 
 std::string removal_failure(const JobItem& item) {
