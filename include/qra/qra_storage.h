@@ -41,11 +41,17 @@
 extern "C" {
 #endif
 
-/** Which USB devices a list is about. Handed to the engine as it is; QRA_STORAGE_DEVICE_ALL asks for all. */
+/** Which USB devices a list is about. Handed to the engine as it is. */
 typedef unsigned int qra_storage_device_type;
 
-/** All USB devices, as a qra_storage_device_type. */
-#define QRA_STORAGE_DEVICE_ALL 0U
+/**
+ * @name Values of a qra_storage_device_type
+ * @{
+ */
+#define QRA_STORAGE_DEVICE_ALL 0U /**< all USB devices */
+#define QRA_STORAGE_DEVICE_MSC 1U /**< drives */
+#define QRA_STORAGE_DEVICE_PTP 2U /**< cameras and phones */
+/** @} */
 
 /** The file system of a drive. */
 typedef enum {
@@ -217,7 +223,7 @@ QRA_API qra_error_code_e qra_storage_destroy(qra_storage_h storage_device);
 
 /** The device's id. */
 QRA_API const char* qra_storage_get_id(qra_storage_h storage_device);
-/** Its name, such as "USBDrive1". */
+/** Its name, for people. */
 QRA_API const char* qra_storage_get_name(qra_storage_h storage_device);
 /** Where its files are; the path of a list request. */
 QRA_API const char* qra_storage_get_mountpath(qra_storage_h storage_device);

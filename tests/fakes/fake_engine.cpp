@@ -108,11 +108,11 @@ int FakeEngine::count(const std::string& method) const {
         std::count_if(all.begin(), all.end(), [&](const Call& call) { return call.method == method; }));
 }
 
-bool FakeEngine::wait_for(const std::string& method) const {
+bool FakeEngine::wait_for(const std::string& method, int count) const {
     std::unique_lock<std::mutex> lock(mutex_);
-    return called_.wait_for(lock, std::chrono::seconds(10), [&] {
-        return std::any_of(calls_.begin(), calls_.end(),
-                           [&](const Call& call) { return call.method == method; });
+    return called_.wait_for(lock, std::chrono::seconds(20), [&] {
+        return std::count_if(calls_.begin(), calls_.end(),
+                             [&](const Call& call) { return call.method == method; }) >= count;
     });
 }
 

@@ -45,8 +45,8 @@ public:
 
     int count(const std::string& method) const;
 
-    /// Waits until `method` was called; false if it was not within ten seconds.
-    bool wait_for(const std::string& method) const;
+    /// Waits until `method` was called as often; false if it was not within twenty seconds.
+    bool wait_for(const std::string& method, int count = 1) const;
 
 private:
     static GDBusMessage* on_message(GDBusConnection* connection, GDBusMessage* message, gboolean incoming,
