@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "common/util/qra_assert.h"
+#include "common/util/qra_handover.h"
 #include "common/util/qra_log.h"
 #include "libqra-agent/agent/src/qra_device_check.h"
 #include "libqra-agent/agent/src/qra_handler.h"
@@ -363,6 +364,7 @@ qra_error_code_e CQRADBusClient::SubscribeSignal(const std::string& strSignal, s
     if (m_FindSignal(strSignal) != m_MapSubscribeIdToProcessor.end()) {
         return QRA_ERROR_NONE;
     }
+    qra_hand_over(this);
     const unsigned int nId = m_Subscribe(strSignal, GDbusSignalCallBack, this);
     if (nId == 0) {
         return QRA_ERROR_ENGINE;
@@ -443,6 +445,7 @@ void CQRADBusClient::GDbusSignalCallBack(GDBusConnection*, const gchar*, const g
                                          const gchar* pSignal, GVariant* pParameters, gpointer pUserData) {
     auto* const pDBusClient = static_cast<CQRADBusClient*>(pUserData);
     QRA_ASSERT(pDBusClient != NULL);
+    qra_take_over(pDBusClient);
     unsigned int nId = 0;
     _stSignalProcessor stProcessor;
     if (!pDBusClient->m_SignalSubscribed(pSignal, nId, stProcessor)) {
