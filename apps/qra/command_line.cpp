@@ -7,10 +7,12 @@
 #include <utility>
 
 #include "apps/qra/commands.h"
+#include "apps/qra/device_view.h"
 
 namespace {
 
 constexpr int kMostRowsOrColumns = 1000;
+constexpr int kLongestTimeout = 86400;
 
 /// The built-in lists of the library, and what cameras and phones make today besides.
 constexpr const char* kExtensions =
@@ -78,6 +80,44 @@ void add_drive_commands(CLI::App& app, CommandLine& line) {
         ->required();
     scan->add_flag("--recursive", line.recursive, "With everything below it");
     scan->callback([&line] { line.command = run_scan; });
+}
+
+void add_timeout_option(CLI::App& command, CommandLine& line) {
+    command.add_option("--timeout", line.devices.timeout, "Seconds to wait for the answer")
+        ->check(CLI::Range(1, kLongestTimeout))
+        ->capture_default_str();
+}
+
+void add_device_commands(CLI::App& app, CommandLine& line) {
+    CLI::App* devices =
+        app.add_subcommand("devices", "Show the drives, cameras and optical drives that the engine sees");
+    devices->add_flag("--watch", line.devices.watch, "Then show what comes and goes, until Ctrl-C");
+    devices->add_option("--type", line.devices.types, "Only these: usb, ptp, bd, other; without it all")
+        ->delimiter(',')
+        ->check(CLI::IsMember(device_types()));
+    devices->add_flag("--json", line.json, "One JSON object for each device or event, one on a line");
+    devices->callback([&line] { line.command = run_devices; });
+
+    CLI::App* check = app.add_subcommand("check-device", "Have the engine scan a drive or folder");
+    check->add_option("PATH", line.path, "The folder; one that lies on no drive is attached first")
+        ->required();
+    add_timeout_option(*check, line);
+    check->add_flag("--json", line.json, "One JSON object with the result");
+    check->callback([&line] { line.command = run_check_device; });
+
+    CLI::App* thumbs = app.add_subcommand("thumbs", "Show which media the tile of a folder has");
+    thumbs->add_option("DIR", line.path, "The folder; one that lies on no drive is attached first")
+        ->required();
+    thumbs->add_option("--count", line.devices.count, "Most media to show")
+        ->check(CLI::Range(1, INT_MAX))
+        ->capture_default_str();
+    thumbs
+        ->add_option("--content", line.devices.content_type,
+                     "Content type: image, video, music, or a full name")
+        ->capture_default_str();
+    add_timeout_option(*thumbs, line);
+    thumbs->add_flag("--json", line.json, "The library's answer, one JSON object");
+    thumbs->callback([&line] { line.command = run_thumbs; });
 }
 
 void add_request_options(CLI::App& command, CommandLine& line) {
@@ -205,6 +245,7 @@ std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine&
     app.require_subcommand(1);
     app.footer(kFooter);
     add_drive_commands(app, command_line);
+    add_device_commands(app, command_line);
     add_browse_commands(app, command_line);
     add_job_commands(app, command_line);
     add_account_commands(app, command_line);

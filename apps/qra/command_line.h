@@ -29,10 +29,19 @@ struct JobOptions {
     bool yes = false;  ///< delete without asking
 };
 
+/// What is asked of devices and the engine's scans.
+struct DeviceOptions {
+    std::vector<std::string> types;  ///< devices; none: all
+    bool watch = false;
+    int timeout = 60;  ///< check-device, thumbs: seconds
+    std::string content_type = "image";
+    int count = 4;
+};
+
 /// What the user asked for. Each command uses the fields that its options fill.
 struct CommandLine {
     Command command = nullptr;
-    std::string path;        ///< attach, scan, list, get, copy, delete
+    std::string path;        ///< attach, scan, list, get, copy, delete, check-device, thumbs
     std::string drive_name;  ///< attach --as, detach
     bool recursive = false;
     bool json = false;
@@ -44,6 +53,7 @@ struct CommandLine {
     std::vector<std::string> fields;
     AccountOptions account;
     JobOptions job;
+    DeviceOptions devices;
 };
 
 /// Reads the command line. Prints help, the version, or what is wrong with the arguments.

@@ -5,45 +5,11 @@
 
 #include "apps/qra/exit_status.h"
 #include "apps/qra/interrupt.h"
+#include "apps/qra/request_error.h"
 
 namespace {
 
 constexpr int kGroupHeaders = 0x08;
-
-struct ErrorText {
-    qra_error_code_e code;
-    const char* text;
-};
-
-constexpr ErrorText kErrorTexts[] = {
-    {QRA_ERROR_INVALID_HANDLE, "the list is no longer there"},
-    {QRA_ERROR_INVALID_PARAM, "the request or the page style is refused"},
-    {QRA_ERROR_READ_FAILED, "reading failed"},
-    {QRA_ERROR_WRITE_FAILED, "that part of the list has not arrived"},
-    {QRA_ERROR_ENGINE, "the content engine does not answer"},
-    {QRA_ERROR_OUT_OF_MEMORY, "out of memory"},
-    {QRA_ERROR_NOT_SUPPORTED, "this build does not serve the source"},
-};
-
-std::string text_of(qra_error_code_e code) {
-    for (const ErrorText& entry : kErrorTexts) {
-        if (entry.code == code) {
-            return entry.text;
-        }
-    }
-    return "error " + std::to_string(code);
-}
-
-[[noreturn]] void fail(const std::string& what, qra_error_code_e code) {
-    throw CommandError(code == QRA_ERROR_ENGINE ? ExitStatus::ServiceMissing : ExitStatus::RequestFailed,
-                       what + ": " + text_of(code));
-}
-
-void check(const std::string& what, qra_error_code_e code) {
-    if (code != QRA_ERROR_NONE) {
-        fail(what, code);
-    }
-}
 
 using GeneralParam = std::unique_ptr<qra_general_s, decltype(&qra_destroy_general_param)>;
 using PageParam = std::unique_ptr<qra_page_style_s, decltype(&qra_destroy_page_param)>;

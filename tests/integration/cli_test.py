@@ -19,7 +19,7 @@ from cli_tool import ENGINE, FAILED, MISSING, QRA, SUCCESS, USAGE, TerminalRun, 
 
 ITEM_TEXTS, LIST_FOLDER, WITH_BUS = (sys.argv.pop(1) for _ in range(3))
 FIXTURES = Path(__file__).resolve().parents[1] / "fixtures"
-COMMANDS = ["attach", "detach", "storages", "scan", "list", "get", "copy", "delete", "account"]
+COMMANDS = ["attach", "detach", "storages", "scan", "devices", "check-device", "thumbs", "list", "get", "copy", "delete", "account"]
 LARGE = 20000
 FOLDER, IMAGE, VIDEO, MUSIC, RECORDING, GROUP, UHD, UP_FOLDER = 1, 2, 3, 5, 6, 9, 10, 13
 
