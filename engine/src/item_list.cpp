@@ -12,6 +12,8 @@ namespace {
 /// An item of the media type "empty".
 constexpr std::string_view kNoItem = "{\"MEDIA_TYPE\":14}";
 
+constexpr char kTooLate[] = "The service did not answer in time.";
+
 }  // namespace
 
 ItemList::ItemList(std::shared_ptr<PluginSession> session, ListQuery query, const EngineLimits& limits)
@@ -131,17 +133,20 @@ void ItemList::finish(State state, std::string failure) {
 
 void ItemList::check_deadlines() {
     const gint64 silence_end = last_word_ + gint64{limits_.list_silence} * 1000;
-    const gint64 whole_end = started_ + gint64{limits_.list_whole} * 1000;
-    const gint64 rest = std::min(silence_end, whole_end) - g_get_monotonic_time();
+    const gint64 rest = std::min(silence_end, whole_end()) - g_get_monotonic_time();
     if (rest > 0) {
         deadline_.start(static_cast<unsigned>(rest / 1000 + 1), [this] { check_deadlines(); });
     } else {
-        finish(State::kFailed, "The service did not answer in time.");
+        finish(State::kFailed, kTooLate);
     }
 }
 
 void ItemList::progress() {
     last_word_ = g_get_monotonic_time();
+    if (state_ == State::kLoading && last_word_ >= whole_end()) {
+        finish(State::kFailed, kTooLate);  // also when the items leave the timer no time
+        return;
+    }
     for (const auto& [owner, watcher] : watchers_) {
         watcher();
     }

@@ -79,6 +79,7 @@ private:
     void finish(State state, std::string failure);
     void check_deadlines();
     void progress();
+    gint64 whole_end() const { return started_ + gint64{limits_.list_whole} * 1000; }
 
     size_t folder_count() const { return count(folders_); }
     size_t medium_count() const { return count(media_); }
@@ -99,7 +100,7 @@ private:
     size_t dropped_ = 0;
     gint64 started_ = 0;  ///< monotonic time, microseconds, as are the others
     gint64 last_word_ = 0;
-    Timer deadline_;
+    Timer deadline_{G_PRIORITY_LOW};
     Timer release_;  ///< of the request, not from within its own call
     std::map<const void*, std::function<void()>> watchers_;
 };

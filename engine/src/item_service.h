@@ -37,7 +37,7 @@ private:
         ItemKey item;
         std::shared_ptr<PluginSession> session;
         RequestPtr request;  ///< ends before the session
-        Timer deadline;
+        Timer deadline{G_PRIORITY_LOW};
     };
 
     void request_detail(MethodCall call);

@@ -11,7 +11,8 @@ namespace engine {
 /// Calls a function once after a while, from the main context; its end, and each new start, call it off.
 class Timer {
 public:
-    Timer() = default;
+    /// One of low priority lets everything that has come in be seen to before it is due: a deadline.
+    explicit Timer(int priority = G_PRIORITY_DEFAULT) : priority_(priority) {}
     ~Timer() { stop(); }
     Timer(const Timer&) = delete;
     Timer& operator=(const Timer&) = delete;
@@ -20,7 +21,7 @@ public:
     void start(unsigned milliseconds, std::function<void()> due) {
         stop();
         due_ = std::move(due);
-        source_ = g_timeout_add(milliseconds, &Timer::on_due, this);
+        source_ = g_timeout_add_full(priority_, milliseconds, &Timer::on_due, this, nullptr);
     }
 
     void stop() {
@@ -38,6 +39,7 @@ private:
         return G_SOURCE_REMOVE;
     }
 
+    const int priority_;
     std::function<void()> due_;
     unsigned source_ = 0;
 };
