@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdarg>
 #include <limits>
 
@@ -15,6 +16,12 @@ bool FaultyCalls::real_fsync = true;
 std::function<long long()> FaultyCalls::clock;
 std::function<void()> FaultyCalls::on_pause;
 bool FaultyCalls::no_threads = false;
+
+long long FaultyCalls::fresh_time() {
+    static std::chrono::hours ahead{0};
+    const auto time = std::chrono::steady_clock::now().time_since_epoch() + ++ahead;
+    return std::chrono::duration_cast<std::chrono::microseconds>(time).count();
+}
 
 void FaultyCalls::reset() {
     before = nullptr;

@@ -28,6 +28,9 @@ struct FaultyCalls {
     /// No thread can be made.
     static bool no_threads;
 
+    /// A time for the clock, long after everything that the process has seen.
+    static long long fresh_time();
+
     static void reset();
 };
 

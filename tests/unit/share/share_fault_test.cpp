@@ -18,13 +18,6 @@ constexpr size_t kBlock = 65536;
 using Events = std::vector<qra_event_e>;
 using Names = std::vector<std::string>;
 
-/// A time, in microseconds, long after everything that the process has seen.
-long long fresh_time() {
-    static std::chrono::hours ahead{0};
-    const auto time = std::chrono::steady_clock::now().time_since_epoch() + ++ahead;
-    return std::chrono::duration_cast<std::chrono::microseconds>(time).count();
-}
-
 class ShareFault : public ShareTest {
 protected:
     ShareFault() { FaultyCalls::reset(); }
@@ -231,7 +224,7 @@ TEST_F(ShareFault, AThreadThatCannotBeMadeLeavesNothingBehind) {
 TEST_F(ShareFault, ProgressComesAtMostOnceInThreeHundredMilliseconds) {
     // Each block takes 100 ms of a clock that the test moves: blocks 1, 4, 7 and 10 are reported.
     select("a.jpg", std::string(10 * kBlock, 'x'));
-    std::atomic<long long> now{fresh_time()};
+    std::atomic<long long> now{FaultyCalls::fresh_time()};
     FaultyCalls::clock = [&] { return now.fetch_add(100000); };
     run_copy();
     std::vector<unsigned long long> reported;
@@ -254,7 +247,7 @@ TEST_F(ShareFault, TwoJobsShareTheirProgressReports) {
         select("a.jpg", "x");
     }
     other_script.items = script_.items;
-    FaultyCalls::clock = [now = fresh_time()] { return now; };  // no time passes
+    FaultyCalls::clock = [now = FaultyCalls::fresh_time()] { return now; };  // no time passes
 
     ASSERT_EQ(start(QRA_PROCESSOR_TYPE_COPY), QRA_ERROR_NONE);
     ASSERT_EQ(
@@ -337,7 +330,7 @@ TEST_F(ShareFault, TheStatusAddsUpAtEveryEventWhateverFails) {
     constexpr int kTypes[] = {QRA_MEDIA_TYPE_IMAGE, QRA_MEDIA_TYPE_VIDEO, QRA_MEDIA_TYPE_MUSIC};
     const char* const kCalls[] = {"nothing", "open", "read", "write", "fsync"};
     FaultyCalls::real_fsync = false;
-    std::atomic<long long> now{fresh_time()};
+    std::atomic<long long> now{FaultyCalls::fresh_time()};
     FaultyCalls::clock = [&] { return now.fetch_add(400000); };  // every progress event gets through
     int failed = 0;
     for (unsigned seed = 1; seed <= 80; ++seed) {

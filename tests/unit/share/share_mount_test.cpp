@@ -3,6 +3,7 @@
 #include <sys/mount.h>
 
 #include "tests/fakes/own_mounts.h"
+#include "tests/unit/share/faulty_calls.h"
 #include "tests/unit/share/share_fixture.h"
 
 namespace fs = std::filesystem;
@@ -23,6 +24,7 @@ protected:
     }
     ~ShareMount() override {
         stop();
+        FaultyCalls::reset();
         for (const std::string& point : points_) {
             umount2(point.c_str(), MNT_DETACH);
         }
@@ -34,6 +36,9 @@ protected:
     }
     /// Pulls a drive when the job reports its first progress.
     void pull_in_the_middle(const std::string& point) {
+        FaultyCalls::clock = [now = FaultyCalls::fresh_time()] {
+            return now;
+        };  // lets the first report through
         client_.on_event([point, pulled = false](CQRASendHandle*, const BatchEvent& event) mutable {
             if (event.event == QRA_EVENT_BATCH_PROGRESS && !pulled) {
                 pulled = true;
