@@ -13,9 +13,7 @@ int main(int argc, char** argv) {
     if (!list.ok()) {
         return 2;
     }
-    for (const std::string& name : list.names()) {
-        list.select(name);  // not the folders
-    }
+    list.select_all();
     list.navigate(QRA_NAVIGATION_TYPE_SELECTED);
     const int event = list.run(QRA_PROCESSOR_TYPE_COPY, argv[2],
                                [](qra_event_e event, const qra_share_status_info_s& status) {

@@ -1,6 +1,5 @@
 #include "tests/integration/batch_list.h"
 
-#include <chrono>
 #include <cstdlib>
 
 BatchList::BatchList(const std::string& path, int mask) {
@@ -62,6 +61,12 @@ bool BatchList::select(const std::string& name) const {
     return false;
 }
 
+void BatchList::select_all() const {
+    for (int tile = 0; tile < tiles(); ++tile) {
+        qra_toggle_select_v2(handle_, tile);
+    }
+}
+
 int BatchList::run(qra_processor_type_e type, const std::string& destination, const Watch& watch) {
     watch_ = watch;
     event_ = -1;
@@ -108,6 +113,6 @@ bool BatchList::on_share(void* self, CQRASendHandle*, qra_event_e event, qra_sha
 
 int BatchList::wait() {
     std::unique_lock<std::mutex> lock(mutex_);
-    changed_.wait_for(lock, std::chrono::seconds(60), [this] { return event_ >= 0; });
+    changed_.wait_for(lock, patience_, [this] { return event_ >= 0; });
     return event_;
 }

@@ -3,6 +3,7 @@
 
 #include <qra/qra_content_agent.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -23,7 +24,11 @@ public:
     std::vector<std::string> names() const;
     /// Selects a tile by its name; false if there is none.
     bool select(const std::string& name) const;
+    /// Selects every tile that can be selected.
+    void select_all() const;
     void navigate(qra_navigation_e navigation) const { qra_set_navigation_v2(handle_, navigation); }
+
+    void set_patience(std::chrono::seconds patience) { patience_ = patience; }
 
     using Watch = std::function<void(qra_event_e, const qra_share_status_info_s&)>;
     /// Runs a job to its end and stops it; the event with which it ended, or -1.
@@ -37,6 +42,7 @@ private:
     int wait();
 
     qra_agent_handler_h handle_ = nullptr;
+    std::chrono::seconds patience_{60};
     Watch watch_;
     std::mutex mutex_;
     std::condition_variable changed_;
