@@ -117,7 +117,9 @@ TEST_F(Faults, AnAnswerWithoutAnEndIsGivenUpByItsLength) {
 }
 
 TEST_F(Faults, AnAnswerThatTricklesIsGivenUpByItsTime) {
-    server_.on("/dav/", [](SoupServerMessage* message) { reply_endlessly(message, 207, kHead, " "); });
+    server_.on("/dav/", [](SoupServerMessage* message) {
+        reply_endlessly(message, 207, kHead, std::string(4000, ' '));
+    });
     engine::HttpLimits limits;
     limits.milliseconds_in_all = 500;
 

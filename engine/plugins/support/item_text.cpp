@@ -1,47 +1,78 @@
 #include "engine/plugins/support/item_text.h"
 
-#include <json/json.h>
 #include <qra/qra_types.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
 
 #include <algorithm>
 #include <limits>
-
-#include "engine/src/json_text.h"
+#include <string_view>
 
 namespace engine {
 
 namespace {
 
 /// Clients read times as numbers of 32 bits.
-int narrow_time(int64_t seconds) {
-    return static_cast<int>(std::clamp<int64_t>(seconds, 0, std::numeric_limits<int>::max()));
+uint64_t narrow_time(int64_t seconds) {
+    return static_cast<uint64_t>(std::clamp<int64_t>(seconds, 0, std::numeric_limits<int>::max()));
 }
+
+/// Writes what is given into an object, member by member.
+class ObjectWriter {
+public:
+    ObjectWriter() : writer_(text_) { writer_.StartObject(); }
+
+    void add(std::string_view name, const std::string& value) {
+        add_name(name);
+        writer_.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
+    }
+    void add(std::string_view name, uint64_t value) {
+        add_name(name);
+        writer_.Uint64(value);
+    }
+
+    std::string line() {
+        writer_.EndObject();
+        return std::string(text_.GetString(), text_.GetSize()) + '\n';
+    }
+
+private:
+    void add_name(std::string_view name) {
+        writer_.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
+    }
+
+    rapidjson::StringBuffer text_;
+    rapidjson::Writer<rapidjson::StringBuffer, rapidjson::UTF8<>, rapidjson::ASCII<>> writer_;
+};
 
 }  // namespace
 
 std::string item_text(const Item& item) {
-    Json::Value object(Json::objectValue);
-    object["MEDIA_TYPE"] = item.media_type;
-    object["ID_QRA"] = item.id;
-    object["TITLE"] = item.title;
-    object["DISPLAY_NAME"] = item.display_name;
-    object["URL"] = item.url;
-    object["THUMBNAIL_PATH"] = item.thumbnail;
-    object["MODIFIED_TIME"] = narrow_time(item.modified);
-    if (item.media_type != QRA_MEDIA_TYPE_FOLDER) {
-        object["MIME_TYPE"] = item.mime_type;
-        object["SIZE"] = Json::UInt64{item.size};
-        if (item.media_type != QRA_MEDIA_TYPE_IMAGE) {
-            object["DURATION"] = Json::UInt64{item.duration_ms};
-        }
-    }
+    const bool folder = item.media_type == QRA_MEDIA_TYPE_FOLDER;
+    ObjectWriter object;
     if (item.added > 0) {
-        object["ADDED_TIME"] = Json::Int64{item.added};
+        object.add("ADDED_TIME", static_cast<uint64_t>(item.added));
     }
+    object.add("DISPLAY_NAME", item.display_name);
+    if (!folder && item.media_type != QRA_MEDIA_TYPE_IMAGE) {
+        object.add("DURATION", item.duration_ms);
+    }
+    object.add("ID_QRA", item.id);
+    object.add("MEDIA_TYPE", static_cast<uint64_t>(item.media_type));
+    if (!folder) {
+        object.add("MIME_TYPE", item.mime_type);
+    }
+    object.add("MODIFIED_TIME", narrow_time(item.modified));
+    if (!folder) {
+        object.add("SIZE", item.size);
+    }
+    object.add("THUMBNAIL_PATH", item.thumbnail);
+    object.add("TITLE", item.title);
+    object.add("URL", item.url);
     for (const auto& [name, value] : item.details) {
-        object[name] = value;
+        object.add(name, value);
     }
-    return to_json_text(object) + "\n";
+    return object.line();
 }
 
 }  // namespace engine
