@@ -1,13 +1,17 @@
 #include "engine/src/scans/folder_scans.h"
 
+#include <sys/eventfd.h>
+
 #include <algorithm>
 #include <filesystem>
+#include <mutex>
 #include <system_error>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 #include "engine/src/engine_log.h"
-#include "engine/src/glib_ptr.h"
+#include "engine/src/unique_fd.h"
 #include "media_content.h"
 
 namespace engine {
@@ -38,26 +42,50 @@ bool operator==(const ScanPlace& left, const ScanPlace& right) {
     return std::tie(left.path, left.recursive) == std::tie(right.path, right.recursive);
 }
 
-struct FolderScans::Mailbox {
-    explicit Mailbox(FolderScans* scans) : owner(scans), context(g_main_context_ref_thread_default()) {}
-    ~Mailbox() { g_main_context_unref(context); }
-    Mailbox(const Mailbox&) = delete;
-    Mailbox& operator=(const Mailbox&) = delete;
+/// Any thread may put; the owner's thread takes.
+class FolderScans::Mailbox {
+public:
+    struct Mail {
+        uint64_t serial;
+        int error;
+    };
 
-    FolderScans* owner;  ///< null after its end; for the owner's thread alone
-    GMainContext* context;
+    Mailbox() : wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+
+    /// Readable when there is something to take.
+    int descriptor() const { return wake_.get(); }
+
+    void put(Mail mail) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        mails_.push_back(mail);
+        eventfd_write(wake_.get(), 1);
+    }
+
+    std::vector<Mail> take() {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        eventfd_t ignored = 0;
+        eventfd_read(wake_.get(), &ignored);
+        return std::exchange(mails_, {});
+    }
+
+private:
+    const UniqueFd wake_;
+    std::mutex mutex_;  ///< covers `mails_`
+    std::vector<Mail> mails_;
 };
 
 struct FolderScans::Report {
     std::shared_ptr<Mailbox> mailbox;
     uint64_t serial;
-    int error;
 };
 
-FolderScans::FolderScans(Done done) : done_(std::move(done)), mailbox_(std::make_shared<Mailbox>(this)) {}
+FolderScans::FolderScans(Done done)
+    : done_(std::move(done)),
+      mailbox_(std::make_shared<Mailbox>()),
+      mail_source_(g_unix_fd_add(mailbox_->descriptor(), G_IO_IN, &FolderScans::on_mail, this)) {}
 
 FolderScans::~FolderScans() {
-    mailbox_->owner = nullptr;
+    g_source_remove(mail_source_);
     for (const Scan& scan : scans_) {
         if (scan.running) {
             media_content_cancel_scan_folder(text_of(scan.place).c_str());
@@ -100,7 +128,7 @@ FolderScans::Scans::iterator FolderScans::find(const ScanPlace& place) {
 }
 
 bool FolderScans::begin(Scan& scan) {
-    auto report = std::make_unique<Report>(Report{mailbox_, scan.serial, 0});
+    auto report = std::make_unique<Report>(Report{mailbox_, scan.serial});
     const int error = media_content_scan_folder_v2(text_of(scan.place).c_str(), scan.place.recursive,
                                                    &FolderScans::on_report, report.get());
     if (error != MEDIA_CONTENT_ERROR_NONE) {
@@ -147,22 +175,16 @@ void FolderScans::on_report(int error, int phase, void* data) {
     if (error == MEDIA_CONTENT_ERROR_NONE && phase != MEDIA_SCAN_PHASE_FINISHED) {
         return;
     }
-    auto* report = static_cast<Report*>(data);
-    report->error = error;
-    GSource* source = g_idle_source_new();
-    g_source_set_priority(source, G_PRIORITY_DEFAULT);
-    g_source_set_callback(source, &FolderScans::on_end, report,
-                          [](void* done) { delete static_cast<Report*>(done); });
-    g_source_attach(source, report->mailbox->context);
-    g_source_unref(source);
+    const std::unique_ptr<Report> report(static_cast<Report*>(data));
+    report->mailbox->put({report->serial, error});
 }
 
-int FolderScans::on_end(void* data) {
-    const auto* report = static_cast<Report*>(data);
-    if (report->mailbox->owner != nullptr) {
-        report->mailbox->owner->end(report->serial, report->error);
+int FolderScans::on_mail(int, GIOCondition, void* data) {
+    auto* self = static_cast<FolderScans*>(data);
+    for (const Mailbox::Mail& mail : self->mailbox_->take()) {
+        self->end(mail.serial, mail.error);
     }
-    return G_SOURCE_REMOVE;
+    return G_SOURCE_CONTINUE;
 }
 
 }  // namespace engine

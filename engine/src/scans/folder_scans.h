@@ -1,7 +1,7 @@
 #ifndef QRA_ENGINE_FOLDER_SCANS_H
 #define QRA_ENGINE_FOLDER_SCANS_H
 
-#include <glib.h>
+#include <glib-unix.h>
 
 #include <cstdint>
 #include <functional>
@@ -23,8 +23,8 @@ bool operator==(const ScanPlace& left, const ScanPlace& right);
 
 /**
  * Scans folders through the media database, each place once however many ask for it. The scans themselves run
- * on the media database's threads; the object belongs to one thread, that of the main context that was its
- * default at construction, and tells the end of a scan there.
+ * on the media database's threads; the object belongs to one thread, the one
+ * that runs the default main context, and tells the end of a scan there.
  */
 class FolderScans {
 public:
@@ -50,8 +50,8 @@ private:
         bool running;
     };
     using Scans = std::list<Scan>;
-    /// How the threads of a scan find back to an owner that may have ended.
-    struct Mailbox;
+    /// Where the threads of scans leave what they have to tell; outlives an owner that has ended.
+    class Mailbox;
     struct Report;
 
     Scans::iterator find(const ScanPlace& place);
@@ -61,11 +61,12 @@ private:
     void end(uint64_t serial, int error);
 
     static void on_report(int error, int phase, void* report);
-    static int on_end(void* report);
+    static int on_mail(int wake, GIOCondition condition, void* self);
 
     Done done_;
     MediaConnection media_;
     std::shared_ptr<Mailbox> mailbox_;
+    unsigned mail_source_;
     uint64_t last_serial_ = 0;
     Scans scans_;  ///< in the order in which they were asked for
 };
