@@ -5,6 +5,7 @@
 #include <json/json.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,13 @@ public:
     /// Calls a method and runs the main context until the answer is there. Null, and a failed test, for an
     /// error.
     engine::VariantPtr call(const char* method, GVariant* arguments);
+    /// The same for a call that may fail; null for an error, which is kept in `error`.
+    engine::VariantPtr try_call(const char* method, GVariant* arguments, engine::ErrorOut& error);
+
+    /// Starts an engine that ends soon unless it is in use, and calls a method that makes it be. An engine
+    /// that ended before the call reached it is replaced.
+    std::unique_ptr<EngineProcess> use_impatient_engine(const char* method,
+                                                        const std::function<GVariant*()>& arguments);
 
     /// The reply of a method that answers one number.
     unsigned number(const char* method, GVariant* arguments);

@@ -237,16 +237,15 @@ TEST_F(EngineDevices, TellsAClientOnceThatBindsTwice) {
 
 TEST_F(EngineDevices, KeepTheEngineUpAsLongAsAClientIsBound) {
     const FakeUDisks disks;
-    EngineProcess engine({"--idle-timeout", "0.05"});
     EngineClient client;
-    bind(client);
-    const std::string path = attach(folder("drive"));
-    take(client, kCame);
+    const auto engine = client.use_impatient_engine("bind_usb_event", [] { return g_variant_new("(u)", 1); });
     const gint64 begin = g_get_monotonic_time();
-    EXPECT_TRUE(wait_until([&] { return g_get_monotonic_time() - begin > G_USEC_PER_SEC / 4; }));
-    EXPECT_FALSE(engine.has_ended());
+    EXPECT_TRUE(wait_until([&] { return g_get_monotonic_time() - begin > G_USEC_PER_SEC / 2; }));
+    EXPECT_FALSE(engine->has_ended());
+    attach(folder("drive"));
+    take(client, kCame);
     client.leave();
-    EXPECT_TRUE(wait_until([&] { return engine.has_ended(); })) << "a client that is gone is still bound";
+    EXPECT_TRUE(wait_until([&] { return engine->has_ended(); })) << "a client that is gone is still bound";
 }
 
 TEST_F(EngineDevices, MakeADriveOfAMountedDiskAsLongAsItIsMounted) {

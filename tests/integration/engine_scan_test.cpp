@@ -48,7 +48,7 @@ protected:
     void hold_scans() {
         char* database = nullptr;
         ASSERT_EQ(0, media_content_admin_database_path(&database));
-        held_ = open((std::string(database) + ".scan-lock").c_str(), O_RDWR | O_CREAT, 0644);
+        held_ = open((std::string(database) + ".scan-lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
         free(database);
         struct flock all = {};
         all.l_type = F_WRLCK;
@@ -261,17 +261,16 @@ TEST_F(EngineScan, EndsTheScansOfAClientThatLeaves) {
 }
 
 TEST_F(EngineScan, KeepsTheEngineUpUntilItIsDone) {
-    EngineProcess engine({"--idle-timeout", "0.05"});
     EngineClient client;
     hold_scans();
-    const unsigned id = start_check(client, path());
-    ASSERT_NE(0U, id);
+    const auto engine = client.use_impatient_engine(
+        "start_scanner_thumb", [this] { return thumb(path("pictures"), "CONTENT-IMAGE", 2); });
     const gint64 begin = g_get_monotonic_time();
-    EXPECT_TRUE(wait_until([&] { return g_get_monotonic_time() - begin > G_USEC_PER_SEC / 4; }));
-    EXPECT_FALSE(engine.has_ended());
+    EXPECT_TRUE(wait_until([&] { return g_get_monotonic_time() - begin > G_USEC_PER_SEC / 2; }));
+    EXPECT_FALSE(engine->has_ended());
     release_scans();
-    expect_done(client, id, path());
-    EXPECT_TRUE(wait_until([&] { return engine.has_ended(); })) << "nobody uses it any more";
+    take_thumb(client, path("pictures"));
+    EXPECT_TRUE(wait_until([&] { return engine->has_ended(); })) << "nobody uses it any more";
 }
 
 TEST_F(EngineScan, WorksAgainAfterTheEngineWasKilled) {
