@@ -3,6 +3,9 @@
 
 #include <qra/qra_types.h>
 
+/// How a cursor moves.
+enum MOVE_MODEL { MOVE_MODEL_PREVIOUS = 0, MOVE_MODEL_NEXT = 1, MOVE_MODEL_INDEX = 2 };
+
 /**
  * What serves one list request: the local agent for the sources of this process, the web agent for the
  * content engine. Each operation stands behind the exported function of the same purpose, which has checked

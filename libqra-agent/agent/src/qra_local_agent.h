@@ -11,9 +11,6 @@
 class CQRAMSCSource;
 class CQRAValueTarget;
 
-/// How the cursor moves.
-enum MOVE_MODEL { MOVE_MODEL_PREVIOUS = 0, MOVE_MODEL_NEXT = 1, MOVE_MODEL_INDEX = 2 };
-
 /**
  * Serves list requests on the sources of this process: mass storage, PTP, DLNA and playlists.
  *

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "libqra-agent/agent/src/qra_local_agent.h"
+#include "libqra-agent/agent/src/qra_web_agent.h"
 #include "libqra-agent/source/local-source/qra_msc_source.h"
 
 namespace {
@@ -31,11 +32,6 @@ const SourceMaker* FindMaker(const std::string& strSource) {
     return it != std::end(kSourceMakers) ? &*it : nullptr;
 }
 
-/// The agent for the content engine's sources is not in this build.
-std::unique_ptr<IQRAAgentBase> MakeWebAgent() {
-    return nullptr;
-}
-
 }  // namespace
 
 bool qra_is_local_source(const std::string& strSource) {
@@ -50,5 +46,5 @@ std::unique_ptr<IQRASourceBase> qra_make_source(const std::string& strSource) {
 std::unique_ptr<IQRAAgentBase> qra_make_agent(const std::string& strSource) {
     if (qra_is_local_source(strSource))
         return std::make_unique<CQRALocalAgent>();
-    return MakeWebAgent();
+    return std::make_unique<CQRAWebAgent>();
 }

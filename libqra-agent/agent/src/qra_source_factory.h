@@ -21,7 +21,7 @@ bool qra_is_local_source(const std::string& strSource);
 /// A new source; null for a name that is none of this process, or whose source this build does not have.
 std::unique_ptr<IQRASourceBase> qra_make_source(const std::string& strSource);
 
-/// A new agent that serves a source name; null if this build does not have it.
+/// A new agent that serves a source name: the local agent, or the web agent for the content engine's sources.
 std::unique_ptr<IQRAAgentBase> qra_make_agent(const std::string& strSource);
 
 #endif
