@@ -10,7 +10,8 @@ constexpr int64_t kGroup = sizeof(_stQRAGroupEntry);
 
 }  // namespace
 
-CCacheReader::CCacheReader(const std::string& strShmName) : m_Object(strShmName) {
+CCacheReader::CCacheReader(const std::string& strShmName, EQRAWriter eWriter)
+    : m_Object(strShmName, eWriter) {
     m_bLoaded = m_Load();
 }
 

@@ -10,12 +10,13 @@
  * One block of a result list: item texts that the content engine wrote to shared memory.
  *
  * Loads itself at construction. A block that does not exist, or whose tables do not lie in it, stays unloaded
- * and answers neutrally: start 0, end -1, counts 0, false. An item number outside a loaded block is an
- * assertion. No locks: used by one thread at a time.
+ * and answers neutrally: start 0, end -1, counts 0, false. A header that is cut short and an item number
+ * outside a loaded block are assertions, the header only with a trusted writer. No locks: used by one thread
+ * at a time.
  */
 class CCacheReader {
 public:
-    explicit CCacheReader(const std::string& strShmName);
+    explicit CCacheReader(const std::string& strShmName, EQRAWriter eWriter = EQRAWriter::Trusted);
 
     int GetTotalCount() const { return m_bLoaded ? m_Header.nTotalCount : 0; }
     int GetItemCount() const { return EndIndex() - StartIndex() + 1; }

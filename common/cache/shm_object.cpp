@@ -17,7 +17,8 @@ CShmObject::~CShmObject() {
 }
 
 bool CShmObject::Open(void* pHeader, size_t nHeaderLength) {
-    m_nShmId = shm_open(m_strShmName.c_str(), O_RDONLY, 0766);
+    // Without O_NONBLOCK the name of a pipe would hold the reader up for ever.
+    m_nShmId = shm_open(m_strShmName.c_str(), O_RDONLY | O_NONBLOCK, 0766);
     if (m_nShmId < 0) {
         QRA_LOG_WARNING(QRA_TAG_CACHE, "shm_open failed, m_strShmName[%s].", m_strShmName.c_str());
         return false;
@@ -25,6 +26,10 @@ bool CShmObject::Open(void* pHeader, size_t nHeaderLength) {
     m_pStream = fdopen(m_nShmId, "r");
     QRA_ASSERT(m_pStream != NULL);
     const size_t ret = fread(pHeader, nHeaderLength, 1, m_pStream);
+    if (ret != 1 && m_eWriter == EQRAWriter::Untrusted) {
+        QRA_LOG_WARNING(QRA_TAG_CACHE, "Object[%s] is shorter than its header.", m_strShmName.c_str());
+        return false;
+    }
     QRA_ASSERT(ret == 1);
     return true;
 }

@@ -8,6 +8,10 @@
 #include <cstdio>
 #include <string>
 
+/// What becomes of an object that no sound writer leaves behind: one with a trusted writer is a broken
+/// invariant and ends the process, one with another writer is logged and answers neutrally.
+enum class EQRAWriter { Trusted, Untrusted };
+
 /**
  * A POSIX shared memory object that another process wrote, mapped for reading.
  *
@@ -21,14 +25,15 @@
  */
 class CShmObject {
 public:
-    explicit CShmObject(std::string strShmName) : m_strShmName(std::move(strShmName)) {}
+    explicit CShmObject(std::string strShmName, EQRAWriter eWriter = EQRAWriter::Trusted)
+        : m_strShmName(std::move(strShmName)), m_eWriter(eWriter) {}
     /// Unmaps and closes; a failure is logged and changes nothing.
     ~CShmObject();
     CShmObject(const CShmObject&) = delete;
     CShmObject& operator=(const CShmObject&) = delete;
 
     /// Opens the object and reads its header. False with a log line if there is no such object; a header that
-    /// is shorter than `nHeaderLength` is an assertion.
+    /// is shorter than `nHeaderLength` is an assertion, or false if the writer is not trusted.
     bool Open(void* pHeader, size_t nHeaderLength);
 
     /// Maps the first `nTotalSize` bytes. False with a log line if the object is not that long, or cannot be
@@ -45,12 +50,14 @@ public:
     bool ReadText(int64_t nOffset, int64_t nLength, std::string& strOut) const;
 
     const std::string& Name() const { return m_strShmName; }
+    EQRAWriter Writer() const { return m_eWriter; }
 
 private:
     off_t m_RealSize() const;
     bool m_IsReadable(int64_t nOffset, int64_t nLength) const;
 
-    std::string m_strShmName;
+    const std::string m_strShmName;
+    const EQRAWriter m_eWriter;
     int m_nShmId = -1;
     FILE* m_pStream = nullptr;  ///< over m_nShmId, which it owns
     const char* m_pAddr = nullptr;

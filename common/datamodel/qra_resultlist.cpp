@@ -12,7 +12,7 @@ constexpr int64_t kGroupTableOffset = sizeof(_stQRAResultListHeader);
 
 }  // namespace
 
-CResultList::CResultList(const std::string& strShmName) : m_Object(strShmName) {
+CResultList::CResultList(const std::string& strShmName, EQRAWriter eWriter) : m_Object(strShmName, eWriter) {
     m_bLoaded = m_Load();
 }
 
@@ -61,8 +61,20 @@ bool CResultList::GetItem(int nListIndex, std::string& strItem, std::string& str
                        &stPlace, sizeof(stPlace)))
         return false;
     nBlockItem = stPlace.nBlockItem;
+    if (m_IsItemLost(nListIndex, stPlace.nBlock >= 0 && stPlace.nBlock < pHeader->nNumberOfBlocks))
+        return false;
     const CCacheReader* pReader = m_GetReader(stPlace.nBlock, strBlockName);
-    return pReader != nullptr && pReader->GetItem(nBlockItem, strItem);
+    if (pReader == nullptr ||
+        m_IsItemLost(nListIndex, nBlockItem >= 0 && nBlockItem < pReader->GetItemCount()))
+        return false;
+    return pReader->GetItem(nBlockItem, strItem);
+}
+
+bool CResultList::m_IsItemLost(int nListIndex, bool bExists) const {
+    if (bExists || m_Object.Writer() == EQRAWriter::Trusted)
+        return false;
+    QRA_LOG_WARNING(QRA_TAG_CACHE, "Item[%d] of result list[%s] lies nowhere.", nListIndex, Name().c_str());
+    return true;
 }
 
 const CCacheReader* CResultList::m_GetReader(int nBlock, std::string& strBlockName) {
@@ -75,5 +87,6 @@ const CCacheReader* CResultList::m_GetReader(int nBlock, std::string& strBlockNa
     if (!GetBlockName(nBlock, strBlockName))
         return nullptr;
     QRA_LOG_TRACE(QRA_TAG_CACHE, "get shmname[%s].", strBlockName.c_str());
-    return m_Readers.emplace(nBlock, std::make_unique<CCacheReader>(strBlockName)).first->second.get();
+    return m_Readers.emplace(nBlock, std::make_unique<CCacheReader>(strBlockName, m_Object.Writer()))
+        .first->second.get();
 }

@@ -15,12 +15,13 @@
  *
  * Loads itself at construction. An object that does not exist, or whose tables do not lie in it, stays
  * unloaded and answers neutrally: start 0, end -1, section -1, counts 0, false. A list index outside a loaded
- * section, and a block number outside its block table, are assertions. No locks: items are read by one thread
- * at a time.
+ * section is an assertion. So are, where the writer is trusted, a header that is cut short and an entry that
+ * names no block or no item of its block; of another writer such an object stays unloaded, and such an item
+ * is false with a log line. No locks: items are read by one thread at a time.
  */
 class CResultList {
 public:
-    explicit CResultList(const std::string& strShmName);
+    explicit CResultList(const std::string& strShmName, EQRAWriter eWriter = EQRAWriter::Trusted);
 
     int StartIndex() const { return m_bLoaded ? m_Header.nStartIndex : 0; }
     int EndIndex() const { return m_bLoaded ? m_Header.nEndIndex : -1; }
@@ -49,6 +50,7 @@ private:
     bool m_Load();
     bool m_IsConsistent() const;
     const CCacheReader* m_GetReader(int nBlock, std::string& strBlockName);
+    bool m_IsItemLost(int nListIndex, bool bExists) const;
 
     CShmObject m_Object;
     _stQRAResultListHeader m_Header = {};

@@ -1,6 +1,7 @@
 #include "common/datamodel/qra_resultpool.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "common/util/qra_assert.h"
 #include "common/util/qra_log.h"
@@ -55,7 +56,32 @@ void CResultPool::Push(CResultList* pList) {
     }
     m_nItemCount = Saturate(int64_t{m_nItemCount} + list->GetItemCount());
     const int nSection = list->SectionIndex();
-    m_Result.emplace(nSection, std::move(list));
+    const auto [it, bNew] = m_Result.emplace(nSection, std::move(list));
+    if (bNew)
+        m_AddToIndex(it->second.get());
+}
+
+void CResultPool::m_AddToIndex(CResultList* pList) {
+    if (pList->GetItemCount() <= 0)
+        return;
+    const auto [it, bNew] = m_ByStart.emplace(pList->StartIndex(), pList);
+    const auto next = std::next(it);
+    m_bOverlap = m_bOverlap || !bNew || (next != m_ByStart.end() && next->first <= pList->EndIndex()) ||
+                 (it != m_ByStart.begin() && std::prev(it)->second->EndIndex() >= pList->StartIndex());
+}
+
+CResultList* CResultPool::m_FindList(int nIndex) {
+    if (m_bOverlap) {
+        const auto it = std::find_if(m_Result.begin(), m_Result.end(), [nIndex](const auto& entry) {
+            return entry.second->IsValidIndex(nIndex);
+        });
+        return it != m_Result.end() ? it->second.get() : nullptr;
+    }
+    const auto next = m_ByStart.upper_bound(nIndex);
+    if (next == m_ByStart.begin())
+        return nullptr;
+    CResultList* pList = std::prev(next)->second;
+    return pList->IsValidIndex(nIndex) ? pList : nullptr;
 }
 
 qra_error_code_e CResultPool::MoveToIndex(int nIndex) {
@@ -90,19 +116,18 @@ qra_error_code_e CResultPool::m_MoveToIndex(int nIndex) {
         QRA_LOG_WARNING(QRA_TAG_CACHE, "Invalid index[%d], m_nTotalCount[%d].", nIndex, m_nTotalCount);
         return QRA_ERROR_INVALID_PARAM;
     }
-    const auto it = std::find_if(m_Result.begin(), m_Result.end(),
-                                 [nIndex](const auto& entry) { return entry.second->IsValidIndex(nIndex); });
-    if (it == m_Result.end())
+    CResultList* pList = m_FindList(nIndex);
+    if (pList == nullptr)
         return QRA_ERROR_WRITE_FAILED;
 
     const InternalCursor old = m_InternalCursor;
-    m_InternalCursor.pCurrentList = it->second.get();
+    m_InternalCursor.pCurrentList = pList;
     m_InternalCursor.nIndex = nIndex;
     if (m_ePrefetchType == QRA_PREFETCH_AUTO)
         return QRA_ERROR_NONE;
 
     const int nOldSection = old.pCurrentList != nullptr ? old.pCurrentList->SectionIndex() : 0;
-    const int nNewSection = it->second->SectionIndex();
+    const int nNewSection = pList->SectionIndex();
     const bool bBack = nNewSection == nOldSection ? nIndex < old.nIndex : nNewSection < nOldSection;
     m_MoveWindow(nIndex);
     m_CheckListStatus(bBack ? QRA_CURSOR_MOVE_PREVIOUS : QRA_CURSOR_MOVE_NEXT);
@@ -209,6 +234,9 @@ bool CResultPool::m_IsNeeded(const CResultList& list) {
 
 void CResultPool::m_Remove(CResultList* pList) {
     m_nItemCount -= pList->GetItemCount();
+    const auto it = m_ByStart.find(pList->StartIndex());
+    if (it != m_ByStart.end() && it->second == pList)
+        m_ByStart.erase(it);
     m_Result.erase(pList->SectionIndex());
 }
 
@@ -282,4 +310,6 @@ void CResultPool::m_Clear() {
         ++nIndex;
     }
     m_Result.clear();
+    m_ByStart.clear();
+    m_bOverlap = false;
 }

@@ -103,6 +103,8 @@ private:
     bool m_IsDropable(EQRACursorMoveMent eMoveMent, CResultList** pList) QRA_REQUIRES(m_Mutex);
     bool m_IsNeeded(const CResultList& list) QRA_REQUIRES(m_Mutex);
     void m_Remove(CResultList* pList) QRA_REQUIRES(m_Mutex);
+    void m_AddToIndex(CResultList* pList) QRA_REQUIRES(m_Mutex);
+    CResultList* m_FindList(int nIndex) QRA_REQUIRES(m_Mutex);
     Section m_CalcSection(int nSection) const;
     void m_Clear() QRA_NO_THREAD_SAFETY_ANALYSIS;
 
@@ -120,6 +122,10 @@ private:
     int m_nTotalCount QRA_GUARDED_BY(m_Mutex) = 0;
     int m_nItemCount QRA_GUARDED_BY(m_Mutex) = 0;
     std::map<int, std::unique_ptr<CResultList>> m_Result QRA_GUARDED_BY(m_Mutex);  ///< by section number
+    /// The lists that hold items, by their first index: finds an item's section without a walk over all.
+    std::map<int, CResultList*> m_ByStart QRA_GUARDED_BY(m_Mutex);
+    /// Two lists hold one index, which no sound engine writes: the first section wins, found by walking.
+    bool m_bOverlap QRA_GUARDED_BY(m_Mutex) = false;
     int m_nWindowFirst QRA_GUARDED_BY(m_Mutex) = 0;
     int m_nWindowLast QRA_GUARDED_BY(m_Mutex) = -1;
     std::set<int> m_Fetching QRA_GUARDED_BY(m_Mutex);

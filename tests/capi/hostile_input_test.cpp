@@ -357,13 +357,22 @@ TEST(HostileInput, ARequestNeedsARecordASourceAndRoomForItsHandle) {
 }
 
 TEST(HostileInput, ASourceThatIsNotServedIsRefused) {
-    for (const char* source :
-         {"SOURCE_PTP", "SOURCE_DLNA", "SOURCE_PLAYLIST", "CloudSource", "source_msc", " "}) {
+    for (const char* source : {"SOURCE_PTP", "SOURCE_DLNA", "SOURCE_PLAYLIST"}) {
         const Param<qra_general_s> request;
         qra_param_set_general_source(request, source);
         qra_param_set_general_path(request, "/");
         Handle handle = nullptr;
         EXPECT_EQ(QRA_ERROR_NOT_SUPPORTED, qra_request_list_v2(request, nullptr, nullptr, &handle)) << source;
+        EXPECT_EQ(nullptr, handle) << source;
+    }
+}
+
+TEST(HostileInput, ASourceOfTheEngineWithoutAnAccountIsRefused) {
+    for (const char* source : {"CloudSource", "source_msc", " "}) {
+        const Param<qra_general_s> request;
+        qra_param_set_general_source(request, source);
+        Handle handle = nullptr;
+        EXPECT_EQ(QRA_ERROR_INVALID_PARAM, qra_request_list_v2(request, nullptr, nullptr, &handle)) << source;
         EXPECT_EQ(nullptr, handle) << source;
     }
 }

@@ -73,15 +73,10 @@ qra_error_code_e PrepareRepeat(CQRAAgentHandle* pHandle) {
     return QRA_ERROR_NONE;
 }
 
-/// A new handle with the agent that serves the source; null if this build does not have that agent.
+/// A new handle with the agent that serves the source.
 CQRAAgentHandle* MakeHandle(const char* pSource) {
-    std::unique_ptr<IQRAAgentBase> agent = qra_make_agent(pSource);
-    if (agent == nullptr) {
-        QRA_LOG_WARNING(QRA_TAG_LOCAL, "No agent in this build serves the source[%s].", pSource);
-        return nullptr;
-    }
     auto* pHandle = new CQRAAgentHandle;
-    pHandle->SetAgentInstance(agent.release());
+    pHandle->SetAgentInstance(qra_make_agent(pSource).release());
     pHandle->SetRepeatDLNA(false);
     return pHandle;
 }
@@ -110,12 +105,11 @@ qra_error_code_e qra_request_list_v2(qra_general_s* pParam, on_list_complete_cb 
             return eCode;
     } else {
         pAgentHandle = MakeHandle(pParam->pSource);
-        if (pAgentHandle == nullptr)
-            return QRA_ERROR_NOT_SUPPORTED;
     }
     IQRAAgentBase* pAgent = pAgentHandle->GetAgentInstance();
     if (pAgent == nullptr) {
         QRA_LOG_WARNING(QRA_TAG_LOCAL, "out of memory!");
+        DestroyFailed(pAgentHandle);
         return QRA_ERROR_INTERNAL;
     }
     const qra_error_code_e eCode = pAgent->RequestList(pParam, cb, pUserData, &pAgentHandle);

@@ -5,6 +5,7 @@
 #include <qra/qra_folder_thumb.h>
 #include <qra/qra_types.h>
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -66,8 +67,9 @@ protected:
 
 private:
     QRA_HANDLE_TYPE m_HandleType = QRA_HANDLE_TYPE_NONE;
-    uint32_t m_HandleId =
-        0;  ///< given by the content engine where its signals have to find the handle, else 0
+    /// Given by the content engine where its signals have to find the handle, else 0. A request on another
+    /// thread takes it away when an engine that was started anew gives it out again.
+    std::atomic<uint32_t> m_HandleId{0};
 };
 
 /**

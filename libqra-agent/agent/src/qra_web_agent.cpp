@@ -211,11 +211,11 @@ CQRAAgentHandle* CQRAWebAgent::m_HandleOfPool(void* pUserData) {
         return nullptr;
     }
     CQRAAgentHandle* pHandle = static_cast<CQRAWebAgent*>(pUserData)->m_pHandle;
-    QRA_ASSERT(pHandle != NULL);
     if (!CQRAHandlerMgr::GetInstance()->Exists(reinterpret_cast<qra_handle_value_t>(pHandle))) {
         QRA_LOG_WARNING(QRA_TAG_WEB, "Handler[%p] not exists!!", static_cast<void*>(pHandle));
         return nullptr;
     }
+    QRA_ASSERT(pHandle != NULL);
     return pHandle;
 }
 

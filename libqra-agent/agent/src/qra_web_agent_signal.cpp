@@ -156,7 +156,7 @@ bool CQRAWebAgent::m_PushSection(CQRAAgentHandle* pHandle, const std::string& st
         return false;
     }
     QRA_LOG_INFO(QRA_TAG_WEB, "Load_resultlist\n");
-    pPool->Push(new CResultList(TextOf(strPayload, "qra_result_list_block_name")));
+    pPool->Push(new CResultList(TextOf(strPayload, "qra_result_list_block_name"), EQRAWriter::Untrusted));
     return true;
 }
 

@@ -192,9 +192,12 @@ TEST_F(QraAgent, ASourceThatThisBuildDoesNotHaveIsRefused) {
     EXPECT_EQ(handle_, nullptr);
 }
 
-TEST_F(QraAgent, ASourceOfTheEngineIsRefusedAsLongAsNoAgentServesIt) {
-    EXPECT_EQ(request("CloudSource"), QRA_ERROR_NOT_SUPPORTED);
+TEST_F(QraAgent, WithoutAnAgentThereIsNoHandle) {
+    const LogCapture log;
 
+    EXPECT_EQ(request("CloudSource"), QRA_ERROR_INTERNAL);
+
+    EXPECT_TRUE(log.contains("out of memory!"));
     EXPECT_EQ(handle_, nullptr);
 }
 

@@ -5,8 +5,8 @@
 #include "libqra-agent/agent/src/qra_handler.h"
 #include "libqra-agent/agent/src/qra_selectlist.h"
 #include "tests/fakes/dlog_capture.h"
+#include "tests/fakes/result_objects.h"
 #include "tests/unit/agent/page_text.h"
-#include "tests/unit/datamodel/result_objects.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "libqra-agent/agent/src/qra_local_agent.h"
+#include "libqra-agent/agent/src/qra_web_agent.h"
 #include "libqra-agent/playlist/m3u_playlist.h"
 #include "libqra-agent/playlist/qra_playlist_manager.h"
 #include "libqra-agent/source/local-source/qra_msc_source.h"
@@ -15,8 +16,13 @@ TEST(SourceFactory, FourNamesAreSourcesOfThisProcess) {
         EXPECT_TRUE(qra_is_local_source(name)) << name;
         EXPECT_NE(dynamic_cast<CQRALocalAgent*>(qra_make_agent(name).get()), nullptr) << name;
     }
-    for (const char* name : {"CloudSource", "qra_ra_source", "source_msc", "SOURCE_MSC ", ""})
+}
+
+TEST(SourceFactory, EveryOtherNameIsTheEngines) {
+    for (const char* name : {"CloudSource", "qra_ra_source", "source_msc", "SOURCE_MSC ", ""}) {
         EXPECT_FALSE(qra_is_local_source(name)) << name;
+        EXPECT_NE(dynamic_cast<CQRAWebAgent*>(qra_make_agent(name).get()), nullptr) << name;
+    }
 }
 
 TEST(SourceFactory, MassStorageHasASource) {
@@ -26,7 +32,6 @@ TEST(SourceFactory, MassStorageHasASource) {
 TEST(SourceFactory, WhatThisBuildDoesNotHaveIsNull) {
     for (const char* name : {"SOURCE_PTP", "SOURCE_DLNA", "SOURCE_PLAYLIST", "CloudSource", ""})
         EXPECT_EQ(qra_make_source(name), nullptr) << name;
-    EXPECT_EQ(qra_make_agent("CloudSource"), nullptr);
 }
 
 TEST(PlaylistManager, EveryDriveIsOneThatWasNotScanned) {

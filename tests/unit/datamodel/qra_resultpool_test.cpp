@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "tests/fakes/dlog_capture.h"
-#include "tests/unit/datamodel/result_objects.h"
+#include "tests/fakes/result_objects.h"
 
 namespace {
 

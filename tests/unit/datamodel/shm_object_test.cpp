@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/fakes/dlog_capture.h"
-#include "tests/unit/datamodel/result_objects.h"
+#include "tests/fakes/result_objects.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tests/unit/datamodel/result_objects.h"
+#include "tests/fakes/result_objects.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
