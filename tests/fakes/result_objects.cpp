@@ -1,15 +1,24 @@
 #include "tests/fakes/result_objects.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+
+#include "common/datamodel/result_list_layout.h"
 
 namespace {
 
-constexpr size_t kBlockNameLength = 128;
+/// Without its objects nothing can be tested.
+void require(bool done, const char* what) {
+    if (!done) {
+        std::perror(what);
+        std::abort();
+    }
+}
 
 void append_word(std::string& bytes, size_t value) {
     const auto word = static_cast<int32_t>(value);
@@ -37,19 +46,19 @@ ShmFile::~ShmFile() {
 
 void ShmFile::write(const std::string& bytes) const {
     const int descriptor = shm_open(name_.c_str(), O_CREAT | O_RDWR, 0600);
-    ASSERT_GE(descriptor, 0);
-    ASSERT_EQ(::write(descriptor, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    require(descriptor >= 0, "shm_open");
+    require(::write(descriptor, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()), "write");
     close(descriptor);
 }
 
 void ShmFile::truncate(size_t length) const {
     const int descriptor = shm_open(name_.c_str(), O_RDWR, 0600);
-    ASSERT_EQ(ftruncate(descriptor, static_cast<off_t>(length)), 0);
+    require(ftruncate(descriptor, static_cast<off_t>(length)) == 0, "ftruncate");
     close(descriptor);
 }
 
 std::string BlockObject::bytes() const {
-    const size_t header = 7 * 4;
+    const size_t header = sizeof(_stQRABlockHeader);
     const size_t item_table = header;
     size_t offset = item_table + texts.size() * 4;
     std::string offsets;
@@ -73,7 +82,7 @@ std::string BlockObject::bytes() const {
 }
 
 std::string ResultListObject::bytes() const {
-    const size_t header = 9 * 4;
+    const size_t header = sizeof(_stQRAResultListHeader);
     const size_t index_table = header + groups.size() * 8;
     const size_t block_names_offset = index_table + items.size() * 8;
     std::string bytes;
@@ -85,12 +94,12 @@ std::string ResultListObject::bytes() const {
     append_word(bytes, total_count);
     append_word(bytes, groups.size());
     append_word(bytes, block_names.size());
-    append_word(bytes, block_names_offset + block_names.size() * kBlockNameLength);
+    append_word(bytes, block_names_offset + block_names.size() * kQRABlockNameLength);
     append_pairs(bytes, groups);
     append_pairs(bytes, items);
     for (const std::string& name : block_names) {
         bytes += name;
-        bytes.append(kBlockNameLength - name.size(), '\0');
+        bytes.append(kQRABlockNameLength - name.size(), '\0');
     }
     return bytes;
 }

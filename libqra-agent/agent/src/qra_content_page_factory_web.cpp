@@ -17,6 +17,18 @@ constexpr unsigned long kRowPageStyle = 0x01 | CQRAContentPage::kStyleRowOrder;
 constexpr unsigned long kColumnPageStyle = 0x01 | CQRAContentPage::kStyleColumnOrder;
 constexpr int kMaskAllContent = kMaskFolder | kMaskMedia | kMaskGroup | kMaskPlaylist | kMaskUpfolder;
 
+/// No list is longer. A page costs memory for its tiles, so that a number that an engine made up is not laid
+/// out.
+constexpr int kMostItems = 10000000;
+
+int TotalOf(CResultPool& pool) {
+    const int nTotal = pool.GetTotalCount();
+    if (nTotal <= kMostItems)
+        return nTotal;
+    QRA_LOG_WARNING(QRA_TAG_WEB, "Invalid total count[%d].", nTotal);
+    return 0;
+}
+
 /// Checks what the build needs, and logs what is missing.
 qra_error_code_e CheckWebBuild(const CQRAAgentHandle* pHandle, int nRow, int nCol) {
     const char* szMissing = nullptr;
@@ -68,7 +80,7 @@ qra_error_code_e CQRAContentPageFactory::Build(CQRAAgentHandle* pHandle, qra_pag
     if (strSource == "CloudSource")
         m_AddCloudSource(pHandle, nMask);
     else if (strSource == "qra_ra_source")
-        pHandle->GetContentPage()->AddContentsItem(0, pHandle->GetResultPool()->GetTotalCount() - 1);
+        pHandle->GetContentPage()->AddContentsItem(0, TotalOf(*pHandle->GetResultPool()) - 1);
     else
         m_AddWebSource(pHandle, nMask, nGroupIndex);
     return QRA_ERROR_NONE;
@@ -77,7 +89,7 @@ qra_error_code_e CQRAContentPageFactory::Build(CQRAAgentHandle* pHandle, qra_pag
 void CQRAContentPageFactory::m_AddCloudSource(CQRAAgentHandle* pHandle, int nMask) {
     CResultPool* pPool = pHandle->GetResultPool();
     if ((nMask & kMaskFolder) != 0) {
-        pHandle->GetContentPage()->AddContentsItem(0, pPool->GetTotalCount());
+        pHandle->GetContentPage()->AddContentsItem(0, TotalOf(*pPool));
         return;
     }
     int nBegin = 0;
@@ -101,7 +113,7 @@ void CQRAContentPageFactory::m_AddWebSource(CQRAAgentHandle* pHandle, int nMask,
                 m_AddPoolGroup(pHandle, nGroup);
         }
     } else if (bMedia && nGroupIndex == -1) {
-        pHandle->GetContentPage()->AddContentsItem(0, pPool->GetTotalCount());
+        pHandle->GetContentPage()->AddContentsItem(0, TotalOf(*pPool));
     } else if (bMedia) {
         m_AddPoolGroup(pHandle, nGroupIndex);
     }
@@ -116,7 +128,7 @@ void CQRAContentPageFactory::m_AddPoolGroup(CQRAAgentHandle* pHandle, int nGroup
 
 // The range comes from the engine: one that does not lie in its list is not laid out.
 void CQRAContentPageFactory::m_AddRange(CQRAAgentHandle* pHandle, int nBegin, int nEnd) {
-    if (nBegin >= 0 && nBegin <= nEnd && nEnd <= std::max(0, pHandle->GetResultPool()->GetTotalCount() - 1))
+    if (nBegin >= 0 && nBegin <= nEnd && nEnd <= std::max(0, TotalOf(*pHandle->GetResultPool()) - 1))
         pHandle->GetContentPage()->AddContentsItem(nBegin, nEnd - nBegin + 1);
     else
         QRA_LOG_WARNING(QRA_TAG_WEB, "Invalid range[%d, %d].", nBegin, nEnd);

@@ -29,6 +29,16 @@ const char* ErrorText(const CError& error) {
     return error ? error->message : "";
 }
 
+// Calls go to what the proxy stands for by the engine's own name. The proxy's call functions would send to
+// who owned the name when the proxy last looked, and it looks where a main loop runs only: without one, an
+// engine that was started anew would never be reached.
+GVariant* CallSync(GDBusProxy* pProxy, const char* szMethod, GVariant* pParameters, GError** ppError) {
+    return g_dbus_connection_call_sync(
+        g_dbus_proxy_get_connection(pProxy), g_dbus_proxy_get_name(pProxy),
+        g_dbus_proxy_get_object_path(pProxy), g_dbus_proxy_get_interface_name(pProxy), szMethod, pParameters,
+        nullptr, G_DBUS_CALL_FLAGS_NONE, BUS_DEFAULT_TIMEOUT, nullptr, ppError);
+}
+
 /// A text as "%s" can print it.
 const char* Printable(const char* pText) {
     return pText != nullptr ? pText : "(null)";
@@ -111,9 +121,8 @@ bool CQRADBusClient::m_ServerStart() {
 bool CQRADBusClient::m_ServerAlready(bool& bStarted) {
     QRA_ASSERT(m_pGDBusProxy != NULL);
     GError* pError = nullptr;
-    const CVariant reply(g_dbus_proxy_call_sync(m_pGDBusProxy, "start_server",
-                                                g_variant_new("(s)", "start_server"), G_DBUS_CALL_FLAGS_NONE,
-                                                BUS_DEFAULT_TIMEOUT, nullptr, &pError));
+    const CVariant reply(
+        CallSync(m_pGDBusProxy, "start_server", g_variant_new("(s)", "start_server"), &pError));
     const CError error(pError);
     if (!reply) {
         QRA_LOG_WARNING(QRA_TAG_WEB, "m_ServerAlready failed. ErrCode[%d], ErrMsg[%s]", ErrorCode(error),
@@ -168,8 +177,7 @@ qra_error_code_e CQRADBusClient::m_CallSync(const std::string& strMethod, Argume
         return QRA_ERROR_INVALID_PARAM;
     }
     GError* pError = nullptr;
-    reply.reset(g_dbus_proxy_call_sync(m_pGDBusProxy, strMethod.c_str(), parameters.get(),
-                                       G_DBUS_CALL_FLAGS_NONE, BUS_DEFAULT_TIMEOUT, nullptr, &pError));
+    reply.reset(CallSync(m_pGDBusProxy, strMethod.c_str(), parameters.get(), &pError));
     const CError error(pError);
     if (!reply) {
         QRA_LOG_WARNING(QRA_TAG_WEB, "%s failed. ErrCode[%d], ErrMsg[%s]", strMethod.c_str(),
@@ -221,8 +229,11 @@ qra_error_code_e CQRADBusClient::m_CallAsync(const std::string& strMethod, Argum
     if (!parameters) {
         return QRA_ERROR_INVALID_PARAM;
     }
-    g_dbus_proxy_call(m_pGDBusProxy, strMethod.c_str(), parameters.get(), G_DBUS_CALL_FLAGS_NONE,
-                      BUS_DEFAULT_TIMEOUT, nullptr, nullptr, nullptr);
+    g_dbus_connection_call(g_dbus_proxy_get_connection(m_pGDBusProxy), g_dbus_proxy_get_name(m_pGDBusProxy),
+                           g_dbus_proxy_get_object_path(m_pGDBusProxy),
+                           g_dbus_proxy_get_interface_name(m_pGDBusProxy), strMethod.c_str(),
+                           parameters.get(), nullptr, G_DBUS_CALL_FLAGS_NONE, BUS_DEFAULT_TIMEOUT, nullptr,
+                           nullptr, nullptr);
     return QRA_ERROR_NONE;
 }
 

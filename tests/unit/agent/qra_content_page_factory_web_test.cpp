@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "common/datamodel/qra_resultpool.h"
+#include "libqra-agent/agent/src/qra_content_page.h"
 #include "libqra-agent/agent/src/qra_content_page_factory.h"
 #include "libqra-agent/agent/src/qra_handler.h"
 #include "libqra-agent/agent/src/qra_selectlist.h"
@@ -148,6 +149,21 @@ TEST_F(WebBuild, AGroupThatDoesNotLieInTheListIsNotLaidOut) {
         ASSERT_EQ(build(0x04, 0), QRA_ERROR_NONE);
 
         EXPECT_EQ(page(), "") << first << ".." << last;
+    }
+}
+
+TEST_F(WebBuild, ATotalThatNoListHasIsNotLaidOut) {
+    ResultListObject list;
+    list.total_count = INT32_MAX;
+    list.groups = {{0, 3}, {0, INT32_MAX - 1}};
+    list.items.assign(10, {0, 0});
+    push(list);
+    for (const char* source : {"CloudSource", "qra_ra_source", "another_source"}) {
+        handle_.SetSourceName(source);
+        const LogCapture log;
+        EXPECT_EQ(build(0x04), QRA_ERROR_NONE) << source;
+        EXPECT_EQ(handle_.GetContentPage()->GetTotalSize(), 0) << source;
+        EXPECT_TRUE(log.contains("Invalid total count[2147483647].")) << source;
     }
 }
 

@@ -171,6 +171,38 @@ TEST(CResultListDeathTest, ABlockNumberOutsideTheTableIsAnAssertion) {
     EXPECT_DEATH(list.GetItem(10, text, text, number), "nBlock >= 0");
 }
 
+TEST(CResultList, OfAWriterThatIsNotTrustedNothingEndsTheProcess) {
+    const ShmFile too_short("short");
+    CResultList empty(too_short.name(), EQRAWriter::Untrusted);
+    EXPECT_EQ(empty.SectionIndex(), -1);
+    const TwoBlocks objects;
+    std::string text;
+    std::string name;
+    int number = 0;
+    for (const int32_t lie : {INT32_MIN, -1, 2, INT32_MAX}) {
+        const ShmFile block_lie(with_word(objects.bytes(), TwoBlocks::kIndexTable, lie));
+        CResultList list(block_lie.name(), EQRAWriter::Untrusted);
+        EXPECT_FALSE(list.GetItem(10, text, name, number)) << "block " << lie;
+        EXPECT_TRUE(list.GetItem(12, text, name, number)) << "its neighbour";
+        const ShmFile item_lie(with_word(objects.bytes(), TwoBlocks::kIndexTable + 4, lie));
+        CResultList other(item_lie.name(), EQRAWriter::Untrusted);
+        EXPECT_FALSE(other.GetItem(10, text, name, number)) << "item " << lie;
+    }
+}
+
+TEST(CResultList, ABlockThatIsTooShortIsFalseWhereItsWriterIsNotTrusted) {
+    const ShmFile too_short("short");
+    ResultListObject object;
+    object.items = {{0, 0}};
+    object.block_names = {too_short.name()};
+    const ShmFile file(object.bytes());
+    CResultList list(file.name(), EQRAWriter::Untrusted);
+    std::string text;
+    int number = 0;
+
+    EXPECT_FALSE(list.GetItem(0, text, text, number));
+}
+
 struct BrokenWord {
     const char* what;
     size_t offset;

@@ -33,15 +33,20 @@ protected:
 
     void connect(CResultPool& pool) { pool.SetCallBack(&on_prefetch, this, &on_drop, this); }
 
-    CResultList* section(int number) {
+    CResultList* section(int number) { return section_from(number, number * kSectionSize); }
+
+    /// A section whose items are not necessarily those of its number.
+    CResultList* section_from(int number, int start) {
         ResultListObject list;
-        list.start_index = number * kSectionSize;
+        list.start_index = start;
         list.section_index = number;
         list.total_count = kTotal;
         list.groups = {{0, 4}, {5, 99}};
         BlockObject block;
         for (int i = 0; i < kSectionSize; ++i) {
-            block.texts.push_back("item " + std::to_string(list.start_index + i));
+            const std::string odd =
+                start == number * kSectionSize ? "" : " of section " + std::to_string(number);
+            block.texts.push_back("item " + std::to_string(list.start_index + i) + odd);
             list.items.emplace_back(0, i);
         }
         files_.push_back(std::make_unique<ShmFile>(block.bytes()));
@@ -132,6 +137,31 @@ TEST_F(AutoPool, MovesOverSectionsAndReadsItems) {
     EXPECT_EQ(pool_.GetCursor()->strItem, "item 9");
     EXPECT_EQ(pool_.MoveToPrevious(), QRA_ERROR_NONE);
     EXPECT_EQ(pool_.GetCursor()->strItem, "item 8");
+}
+
+TEST_F(AutoPool, FindsSectionsThatCameInAnyOrder) {
+    for (const int number : {3, 0, 9, 1})
+        pool_.Push(section(number));
+
+    for (const int index : {5, 35, 0, 99, 19, 30}) {
+        EXPECT_EQ(pool_.MoveToIndex(index), QRA_ERROR_NONE) << index;
+        EXPECT_EQ(pool_.GetCursor()->strItem, "item " + std::to_string(index));
+    }
+    for (const int index : {20, 29, 40, 89})
+        EXPECT_EQ(pool_.MoveToIndex(index), QRA_ERROR_WRITE_FAILED) << index;
+}
+
+TEST_F(AutoPool, OfSectionsThatHoldOneItemTheFirstWins) {
+    pool_.Push(section_from(5, 0));
+    pool_.Push(section(1));
+    pool_.Push(section_from(2, 5));
+
+    ASSERT_EQ(pool_.MoveToIndex(12), QRA_ERROR_NONE);
+    EXPECT_EQ(pool_.GetCursor()->strItem, "item 12");
+    ASSERT_EQ(pool_.MoveToIndex(7), QRA_ERROR_NONE);
+    EXPECT_EQ(pool_.GetCursor()->strItem, "item 7 of section 2");
+    ASSERT_EQ(pool_.MoveToIndex(3), QRA_ERROR_NONE);
+    EXPECT_EQ(pool_.GetCursor()->strItem, "item 3 of section 5");
 }
 
 TEST_F(AutoPool, TheFirstMoveToNextLandsOnTheFirstItem) {

@@ -1,6 +1,9 @@
 #include "common/cache/shm_object.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/fakes/dlog_capture.h"
 #include "tests/fakes/result_objects.h"
@@ -93,6 +96,28 @@ TEST(CShmObject, AnUnknownNameIsNotOpened) {
     EXPECT_FALSE(object.Open(header, sizeof(header)));
 
     EXPECT_TRUE(log.contains("shm_open failed, m_strShmName[qra_test_no_such_object]."));
+}
+
+TEST(CShmObject, AShortHeaderOfAWriterThatIsNotTrustedIsFalse) {
+    const ShmFile file("123");
+    CShmObject object(file.name(), EQRAWriter::Untrusted);
+    char header[4];
+    const LogCapture log;
+
+    EXPECT_FALSE(object.Open(header, sizeof(header)));
+
+    EXPECT_TRUE(log.contains("Object[" + file.name() + "] is shorter than its header."));
+}
+
+TEST(CShmObject, APipeInPlaceOfTheObjectDoesNotHoldTheReaderUp) {
+    const std::string name = "qra_test_pipe_" + std::to_string(getpid());
+    ASSERT_EQ(mkfifo(("/dev/shm/" + name).c_str(), 0600), 0);
+    CShmObject object(name, EQRAWriter::Untrusted);
+    char header[4];
+
+    EXPECT_FALSE(object.Open(header, sizeof(header)));
+
+    shm_unlink(name.c_str());
 }
 
 TEST(CShmObjectDeathTest, AShortHeaderIsAnAssertion) {
