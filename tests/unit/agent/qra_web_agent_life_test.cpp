@@ -3,6 +3,7 @@
 #include <condition_variable>
 #include <mutex>
 
+#include "common/util/qra_handover.h"
 #include "tests/unit/agent/web_agent_fixture.h"
 
 namespace {
@@ -34,6 +35,7 @@ public:
         Job job{std::move(function), {}, false};
         GSource* const source = g_idle_source_new();
         g_source_set_callback(source, do_job, &job, nullptr);
+        qra_hand_over(&job);
         g_source_attach(source, context_);
         g_source_unref(source);
         std::unique_lock<std::mutex> lock(job.mutex);
@@ -50,6 +52,7 @@ private:
 
     static gboolean do_job(gpointer data) {
         auto* const job = static_cast<Job*>(data);
+        qra_take_over(job);
         job->function();
         const std::lock_guard<std::mutex> lock(job->mutex);
         job->done = true;
