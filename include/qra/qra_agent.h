@@ -21,8 +21,15 @@
  * @section qra_agent_sources Sources
  *
  * "SOURCE_MSC" is USB storage, "SOURCE_PTP" cameras and phones, "SOURCE_DLNA" media servers,
- * "SOURCE_PLAYLIST" playlists on USB storage. Every other name is served by the content engine. A source that
- * this build does not serve is refused with QRA_ERROR_NOT_SUPPORTED.
+ * "SOURCE_PLAYLIST" playlists on USB storage. Every other name is served by the content engine: the request
+ * then names one of the engine's accounts as its plugin. A source that this build does not serve is refused
+ * with QRA_ERROR_NOT_SUPPORTED.
+ *
+ * A list of the engine arrives in sections of the request's prefetch number, each with a list callback of its
+ * own; reading an item whose section has not arrived gives QRA_ERROR_WRITE_FAILED. Moves before the first
+ * page style go to the second item of such a list instead of being refused. What the engine's lists do not
+ * have (rating, bookmarks, expanding, selecting and setting values of groups and items, real numbers and
+ * times) answers QRA_ERROR_INTERNAL.
  *
  * @section qra_agent_threads Threads and the main loop
  *
@@ -35,7 +42,7 @@
  * success, later QRA_EVENT_LIST_UPDATE events. An update is only a notice; the client decides when to lay out
  * the page again. Answers of the content engine come on the thread that runs the client's main loop (the GLib
  * main context in which the library first met the bus): the library has no loop of its own, and without a
- * running one they never come.
+ * running one they never come, though every call still answers. The library sets no end to that wait.
  *
  * While the list callback runs, the library holds the lock that orders requests, answers and disconnects. A
  * client must not call qra_request_list_v2(), qra_disconnect_v2() or qra_cancel_request_list_v2() from inside
@@ -123,11 +130,15 @@ extern "C" {
  *                  repeat. out, on success only: the handle
  * @retval QRA_ERROR_NONE          the source accepted the request
  * @retval QRA_ERROR_INVALID_PARAM `pParam`, its source or `pHandle` is null; no path in a first "SOURCE_MSC"
- * request; the live handle is of another kind, or served by the engine; the source refused the parameters
+ * request; no plugin, or a negative window size or prefetch number, in a request of the engine; the live
+ * handle is of another kind, or served by the engine; the source refused the parameters
  * @retval QRA_ERROR_NOT_SUPPORTED this build does not serve the source; or a repeat on a "SOURCE_PTP" or
  *                                 "SOURCE_PLAYLIST" handle, or with another source than the handle's
  * @retval QRA_ERROR_INTERNAL      the source could not be opened, or the earlier selection could not be
  * loaded
+ * @retval QRA_ERROR_ENGINE        the content engine cannot be reached (told after up to 40 seconds), or does
+ * not know the account
+ * @retval QRA_ERROR_PLAYLIST_MAX  no memory for a request of the engine
  *
  * A repeat that fails after it was accepted for this handle (wrong source, refused parameters, selection not
  * loaded) destroys the handle: every later call on it gives QRA_ERROR_INVALID_HANDLE.
@@ -142,7 +153,8 @@ QRA_API qra_error_code_e qra_request_list_v2(qra_general_s* pParam, on_list_comp
  * @param hAgent a list handle
  * @retval QRA_ERROR_NONE           the source cancelled the request
  * @retval QRA_ERROR_INVALID_HANDLE no live list handle
- * @retval QRA_ERROR_INTERNAL       the source cannot cancel; the callback is dropped all the same
+ * @retval QRA_ERROR_INTERNAL       the source cannot cancel; the callback is dropped all the same. Or the
+ * list is the engine's, which is never cancelled: disconnect it instead
  */
 QRA_API qra_error_code_e qra_cancel_request_list_v2(qra_agent_handler_h hAgent);
 
@@ -167,6 +179,7 @@ QRA_API qra_error_code_e qra_disconnect_v2(qra_agent_handler_h hAgent);
  * @param cb        receives the answer on the main loop's thread
  * @retval QRA_ERROR_NONE           sent, or nothing to do
  * @retval QRA_ERROR_INVALID_HANDLE no live list handle
+ * @retval QRA_ERROR_INVALID_PARAM  `pParam` is null, in a list of the engine
  */
 QRA_API qra_error_code_e qra_request_detail_v2(qra_agent_handler_h hAgent, qra_detail_param_h pParam,
                                                void* pUserData, on_detail_complete_cb cb);
@@ -228,12 +241,14 @@ QRA_API qra_error_code_e qra_set_page_style_v2(qra_agent_handler_h hAgent, qra_p
 QRA_API qra_error_code_e qra_set_expand_mode_v2(qra_agent_handler_h hAgent, int nGroupIndex, bool bExpand);
 
 /**
- * Number of groups of a list that the engine serves.
+ * Number of groups of a list that the engine serves: those of its section as long as only one has arrived,
+ * else one.
  *
  * @param hAgent  a list handle
  * @param pnCount receives the number
  * @retval QRA_ERROR_NONE           done
  * @retval QRA_ERROR_INVALID_HANDLE no live list handle
+ * @retval QRA_ERROR_INVALID_PARAM  `pnCount` is null, in a list of the engine
  * @retval QRA_ERROR_INTERNAL       the list comes from a source of this process, which does not answer this
  */
 QRA_API qra_error_code_e qra_get_group_count_v2(qra_agent_handler_h hAgent, int* pnCount);
@@ -253,7 +268,7 @@ QRA_API qra_error_code_e qra_get_item_count_v2(qra_agent_handler_h hAgent, int* 
 /**
  * Number of items of one kind: folders, media, recordings, UHD and SCSA titles in the whole list, playlists
  * of the storage, and up-folder and empty tiles of the page. QRA_MEDIA_TYPE_GROUP is answered for the sort
- * category "CATEGORY-GROUP" alone; otherwise the variable stays as it is.
+ * category "CATEGORY-GROUP" alone; otherwise the variable stays as it is, and always in a list of the engine.
  *
  * @param hAgent      a list handle with a page style, in QRA_NAVIGATION_TYPE_ALL
  * @param eMediaType  the kind; an unknown one leaves the variable as it is and gives QRA_ERROR_NONE
@@ -268,15 +283,17 @@ QRA_API qra_error_code_e qra_get_item_count_by_type_v2(qra_agent_handler_h hAgen
 
 /**
  * All values of one tile as one line of JSON with a line end. Each kind of item ("MEDIA_TYPE") has its fixed
- * set of keys; a value that the source does not know is "", 0 or false. The cursor moves to the tile.
+ * set of keys; a value that the source does not know is "", 0 or false. The cursor moves to the tile. An item
+ * of the engine gives the engine's own text, empty if it cannot be read.
  *
  * @param hAgent a list handle with a page style
  * @param nIndex list index of the tile
  * @param ppItem receives the text; the caller frees it
  * @retval QRA_ERROR_NONE           done
- * @retval QRA_ERROR_INVALID_HANDLE no live list handle, or the list comes from the engine
+ * @retval QRA_ERROR_INVALID_HANDLE no live list handle
  * @retval QRA_ERROR_INVALID_PARAM  `ppItem` is null, or there is no such tile: no page style, or the index is
  *                                  outside the page; the cursor stays
+ * @retval QRA_ERROR_WRITE_FAILED   the item's section of the engine's list has not arrived; the cursor stays
  * @retval QRA_ERROR_INTERNAL       the source cannot tell the item's kind
  */
 QRA_API qra_error_code_e qra_get_item_v2(qra_agent_handler_h hAgent, int nIndex, char** ppItem);
@@ -612,11 +629,12 @@ QRA_API qra_error_code_e qra_prepare_play_data_v2(qra_agent_handler_h hAgent, ch
  *
  * @param hAgent    a list handle
  * @param pParam    the comment; stays the client's
- * @param nIndex    list index of the item
+ * @param nIndex    list index of the item, to which the cursor moves
  * @param pUserData handed to `cb` as it is
- * @param cb        receives the answer on the main loop's thread
- * @retval QRA_ERROR_NONE           sent
- * @retval QRA_ERROR_INVALID_HANDLE no live list handle
+ * @param cb        receives the answers, one or more, on the main loop's thread
+ * @retval QRA_ERROR_NONE           sent; without the item where its section has not arrived
+ * @retval QRA_ERROR_INVALID_HANDLE no live list handle, or no page style was set
+ * @retval QRA_ERROR_INVALID_PARAM  `pParam` is null, or there is no such tile
  * @retval QRA_ERROR_INTERNAL       the list comes from a source of this process
  */
 QRA_API qra_error_code_e qra_upload_comment_v2(qra_agent_handler_h hAgent, qra_comment_param_h pParam,
@@ -627,11 +645,12 @@ QRA_API qra_error_code_e qra_upload_comment_v2(qra_agent_handler_h hAgent, qra_c
  *
  * @param hAgent    a list handle
  * @param pParam    the like; stays the client's
- * @param nIndex    list index of the item
+ * @param nIndex    list index of the item, to which the cursor moves
  * @param pUserData handed to `cb` as it is
- * @param cb        receives the answer on the main loop's thread
- * @retval QRA_ERROR_NONE           sent
- * @retval QRA_ERROR_INVALID_HANDLE no live list handle
+ * @param cb        receives the answers, one or more, on the main loop's thread
+ * @retval QRA_ERROR_NONE           sent; without the item where its section has not arrived
+ * @retval QRA_ERROR_INVALID_HANDLE no live list handle, or no page style was set
+ * @retval QRA_ERROR_INVALID_PARAM  `pParam` is null, or there is no such tile
  * @retval QRA_ERROR_INTERNAL       the list comes from a source of this process
  */
 QRA_API qra_error_code_e qra_set_like_v2(qra_agent_handler_h hAgent, qra_like_param_h pParam, int nIndex,

@@ -186,7 +186,8 @@ typedef struct qra_share_status_info_s qra_share_status_info_s;
  * @param pHandle   the request's handle
  * @param eEvent    what happened
  * @param nValue    1 for a source of this process; the handle's id for one that the engine serves
- * @param pData     "" for a source of this process, else the engine's text; valid during the call only
+ * @param pData     "" for a source of this process and for a section that arrived; why a list of the engine
+ *                  failed, if the engine tells it; valid during the call only
  * @return not looked at
  */
 typedef bool (*on_list_complete_cb)(void* pUserData, CQRAAgentHandle* pHandle, qra_event_e eEvent, int nValue,
