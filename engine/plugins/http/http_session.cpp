@@ -23,6 +23,7 @@ using CharPtr = std::unique_ptr<char, Release<g_free>>;
 
 constexpr size_t kPieceSize = 64 * 1024;
 constexpr int kMostConnections = 4;
+constexpr int kPiecesInARound = 16;
 constexpr auto kUriFlags = static_cast<GUriFlags>(SOUP_HTTP_URI_FLAGS);
 
 /// Null for all but an http or https address of some server.
@@ -99,6 +100,8 @@ private:
     void follow(const char* location);
     void read_on();
     void piece_read(GObject* source, GAsyncResult* result);
+    gssize read_what_is_there(GError** failure);
+    void take_piece(size_t size);
     void fail(const std::string& reason);
     void fail_late();
     void expect_more();
@@ -290,7 +293,12 @@ void HttpTransfer::State::read_on() {
 
 void HttpTransfer::State::piece_read(GObject* source, GAsyncResult* result) {
     GError* failure = nullptr;
-    const gssize size = g_input_stream_read_finish(G_INPUT_STREAM(source), result, &failure);
+    gssize size = g_input_stream_read_finish(G_INPUT_STREAM(source), result, &failure);
+    // What is there already is taken at once: each round of the main context costs the wait for a processor.
+    for (int more = 0; more < kPiecesInARound && size > 0 && sink_; ++more) {
+        take_piece(static_cast<size_t>(size));
+        size = sink_ ? read_what_is_there(&failure) : 0;
+    }
     const std::unique_ptr<GError, Release<g_error_free>> error(failure);
     if (!sink_) {
         return;
@@ -305,14 +313,34 @@ void HttpTransfer::State::piece_read(GObject* source, GAsyncResult* result) {
         sink->on_end();
         return;
     }
-    bytes_ += static_cast<uint64_t>(size);
+    if (size > 0) {
+        take_piece(static_cast<size_t>(size));
+    }
+    read_on();
+}
+
+/// Zero only at the end; negative if there is nothing yet, or with an error.
+gssize HttpTransfer::State::read_what_is_there(GError** failure) {
+    if (!G_IS_POLLABLE_INPUT_STREAM(stream_.get()) ||
+        !g_pollable_input_stream_can_poll(G_POLLABLE_INPUT_STREAM(stream_.get()))) {
+        return -1;
+    }
+    const gssize size = g_pollable_input_stream_read_nonblocking(
+        G_POLLABLE_INPUT_STREAM(stream_.get()), piece_.data(), piece_.size(), cancellable_.get(), failure);
+    if (g_error_matches(*failure, G_IO_ERROR, G_IO_ERROR_WOULD_BLOCK)) {
+        g_clear_error(failure);
+    }
+    return size;
+}
+
+void HttpTransfer::State::take_piece(size_t size) {
+    bytes_ += size;
     if (bytes_ > parts_->limits.bytes) {
         fail(name_of(uri_.get()) + " sends more than an answer can be long");
         return;
     }
     expect_more();
-    sink_->on_bytes(piece_.data(), static_cast<size_t>(size));
-    read_on();
+    sink_->on_bytes(piece_.data(), size);
 }
 
 HttpTransfer::HttpTransfer(std::shared_ptr<State> state) : state_(std::move(state)) {}
