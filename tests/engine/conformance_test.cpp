@@ -531,6 +531,7 @@ TEST(EngineConformanceOfClients, CleansUpAfterAClientThatIsKilled) {
     if (pid == 0) {
         be_a_client(ends[1]);
     }
+    close(ends[1]);  // so that the end of a client that fails shows
     EngineProcess engine;
     char name[128] = {};
     ASSERT_GT(read(ends[0], name, sizeof(name) - 1), 0);
