@@ -12,7 +12,7 @@
 #include "libqra-agent/share/src/qra_share_thread.h"
 
 /// What became of one file of a batch job.
-enum SHARE_RESULT_TYPE {
+enum SHARE_RESULT_TYPE : int {
     SHARE_RESULT_SUCCESS = 0,      ///< counted and reported
     SHARE_RESULT_FAILED = 1,       ///< ends the job with a failure
     SHARE_RESULT_IGNORE = 2,       ///< skipped without a word to the client
