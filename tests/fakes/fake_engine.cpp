@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <utility>
 
+#include "common/util/qra_handover.h"
+
 namespace {
 
 constexpr const char* kName = "com.morva.qra.engine";
@@ -48,6 +50,7 @@ FakeEngine::FakeEngine() {
                                                       G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
                     nullptr, nullptr, &error),
                 "bus", error);
+    qra_hand_over(this);
     filter_ = g_dbus_connection_add_filter(connection_, on_message, this, nullptr);
     GVariant* const reply = require(
         g_dbus_connection_call_sync(connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus",
@@ -118,6 +121,7 @@ bool FakeEngine::wait_for(const std::string& method, int count) const {
 
 GDBusMessage* FakeEngine::on_message(GDBusConnection* connection, GDBusMessage* message, gboolean incoming,
                                      gpointer user_data) {
+    qra_take_over(user_data);
     const bool is_call = incoming &&
                          g_dbus_message_get_message_type(message) == G_DBUS_MESSAGE_TYPE_METHOD_CALL &&
                          g_strcmp0(g_dbus_message_get_interface(message), kName) == 0;
