@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <utility>
 
 #include "common/util/qra_handover.h"
@@ -23,9 +24,15 @@ T* require(T* object, const char* what, GError* error) {
     return object;
 }
 
-GVariant* parse(const std::string& text) {
+struct VariantUnref {
+    void operator()(GVariant* variant) const { g_variant_unref(variant); }
+};
+using VariantPtr = std::unique_ptr<GVariant, VariantUnref>;
+
+VariantPtr parse(const std::string& text) {
     GError* error = nullptr;
-    return require(g_variant_parse(nullptr, text.c_str(), nullptr, nullptr, &error), text.c_str(), error);
+    return VariantPtr(
+        require(g_variant_parse(nullptr, text.c_str(), nullptr, nullptr, &error), text.c_str(), error));
 }
 
 std::string print(GVariant* value) {
@@ -76,7 +83,7 @@ void FakeEngine::answer(const std::string& method, std::vector<std::string> repl
 }
 
 void FakeEngine::emit(const std::string& signal, const std::string& parameters) {
-    g_dbus_connection_emit_signal(connection_, nullptr, kPath, kName, signal.c_str(), parse(parameters),
+    g_dbus_connection_emit_signal(connection_, nullptr, kPath, kName, signal.c_str(), parse(parameters).get(),
                                   nullptr);
     g_dbus_connection_flush_sync(connection_, nullptr, nullptr);
 }
@@ -96,7 +103,7 @@ void FakeEngine::send_signal_of(const std::string& method) {
     if (!signal.first.empty()) {
         // Not flushed: this is the thread that writes.
         g_dbus_connection_emit_signal(connection_, nullptr, kPath, kName, signal.first.c_str(),
-                                      parse(signal.second), nullptr);
+                                      parse(signal.second).get(), nullptr);
     }
 }
 
@@ -145,7 +152,7 @@ GDBusMessage* FakeEngine::reply_to(GDBusMessage* call) {
                                                         "the test says so");
     } else {
         reply = g_dbus_message_new_method_reply(call);
-        g_dbus_message_set_body(reply, parse(text));
+        g_dbus_message_set_body(reply, parse(text).get());
     }
     const std::lock_guard<std::mutex> lock(mutex_);
     calls_.push_back({method, print(g_dbus_message_get_body(call))});
