@@ -46,7 +46,18 @@ bool CopyWhole(CQRAFile64& source, CQRAFile64& dest, char* pBuffer, long long nS
     return true;
 }
 
+bool IsSameFile(const std::string& strOne, const std::string& strOther) {
+    struct stat64 one {};
+    struct stat64 other {};
+    return stat64(strOne.c_str(), &one) == 0 && stat64(strOther.c_str(), &other) == 0 &&
+           one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
 bool CopyCompanion(const std::string& strSource, const std::string& strDest, char* pBuffer) {
+    // The copy of "film" is "film.jpg": where it lies beside its source they share the companions.
+    if (IsSameFile(strSource, strDest)) {
+        return true;
+    }
     long long nSize = 0;
     CQRAFile64 source;
     CQRAFile64 dest;

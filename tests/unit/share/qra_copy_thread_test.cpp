@@ -129,6 +129,17 @@ TEST_F(CopyJob, ACompanionReplacesAFileWithoutAVideoWhole) {
     EXPECT_EQ(copy_of("VIDEO/movie.srt"), "short");
 }
 
+TEST_F(CopyJob, ACompanionThatIsItsOwnCopyStaysWhole) {
+    select("film", "film", QRA_MEDIA_TYPE_VIDEO);
+    fs::create_directories(dest_ + "/VIDEO");
+    script_.items.back().texts["FILE_PATH"] = dir_.write("dest/VIDEO/film", "film");
+    dir_.write("dest/VIDEO/film.srt", "subtitles");
+    run_copy();
+    EXPECT_EQ(copied("VIDEO"), (Names{"film", "film.jpg", "film.srt"}));
+    EXPECT_EQ(copy_of("VIDEO/film.srt"), "subtitles");
+    EXPECT_EQ(client_.milestones(), (Events{QRA_EVENT_BATCH_FILE_DONE, QRA_EVENT_BATCH_FINISHED}));
+}
+
 TEST_F(CopyJob, DoesNotWaitForACompanionThatIsAPipe) {
     select("movie.avi", "movie", QRA_MEDIA_TYPE_VIDEO);
     dir_.write("source/movie.srt", "subtitles");
