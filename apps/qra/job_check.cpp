@@ -8,7 +8,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 #include <iterator>
 #include <memory>
 #include <string_view>
@@ -16,12 +19,14 @@
 
 #include "apps/qra/exit_status.h"
 #include "apps/qra/terminal_text.h"
+#include "svc_pvr.h"
 
 namespace {
 
 constexpr std::uint64_t kLargestFileOfFat = 0xFFFFFFFF;
 constexpr std::size_t kLongestWindowsName = 255;
 constexpr std::string_view kNoWindowsSigns = "\"*/:<>?\\|";
+constexpr int kNumberedNames = 99;
 
 struct FileSystem {
     std::string_view type;
@@ -101,6 +106,40 @@ bool is_too_full(const std::string& directory, std::uint64_t bytes) {
 std::string name_of_copy(const std::string& name) {
     const std::size_t dot = name.rfind('.');
     return dot == std::string::npos || dot + 1 == name.size() ? name + ".jpg" : name;
+}
+
+bool is_there(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0;
+}
+
+/// What a copy and its companions are called in a folder, without an extension: numbered where its name is
+/// taken.
+std::string stem_of_copy(const JobItem& item, const std::string& folder) {
+    const std::string path = folder + "/" + name_of_copy(item.name);
+    const std::string stem = stem_of(path);
+    std::string found = stem;
+    for (int n = 1; n <= kNumberedNames && is_there(found + path.substr(stem.size())); ++n) {
+        std::array<char, 16> number;
+        std::snprintf(number.data(), number.size(), "_%03d", n);
+        found = stem + number.data();
+    }
+    return found;
+}
+
+/// A job passes over a recording in progress, or ends at it; and it ends at one that nobody knows.
+std::string recording_refusal(const JobItem& item) {
+    if (item.media_type != QRA_MEDIA_TYPE_PVR) {
+        return "";
+    }
+    pvr_file_info_s info{};
+    if (svc_pvr_get_pvr_file_info(item.path.c_str(), &info) != SVC_PVR_ERROR_NONE) {
+        return "is a recording without an info file that can be read";
+    }
+    for (char* text : {info.channel_name, info.channel_num, info.synopsis, info.genre}) {
+        std::free(text);
+    }
+    return info.finished ? "" : "is still being recorded";
 }
 
 std::uint64_t in_blocks(std::uint64_t bytes, std::uint64_t block) {
@@ -190,7 +229,7 @@ std::string source_refusal(const JobItem& item) {
     if (static_cast<std::uint64_t>(status.st_size) != item.size) {
         return "has another size than the media database says: scan it again";
     }
-    return "";
+    return recording_refusal(item);
 }
 
 std::string limit_refusal(const JobItem& item, const TargetLimits& limits) {
@@ -215,6 +254,20 @@ std::string target_refusal(const JobItem& item, const std::string& directory) {
     return "cannot be written to " + printable_text(place) + ": " + error_text(errno);
 }
 
+std::string companion_refusal(const JobItem& item, const std::string& directory) {
+    const Kind* kind = kind_of(item.media_type);
+    if (kind == nullptr || kind->companions.empty()) {
+        return "";
+    }
+    const std::string stem = stem_of_copy(item, directory + "/" + kind->copy_folder);
+    for (const char* extension : kind->companions) {
+        if (is_there(stem_of(item.path) + extension) && is_there(stem + extension)) {
+            return "has a companion that would replace " + printable_text(stem + extension);
+        }
+    }
+    return "";
+}
+
 std::string removal_refusal(const JobItem& item) {
     struct stat file {};
     if (lstat(item.path.c_str(), &file) != 0) {
@@ -229,7 +282,7 @@ std::string removal_refusal(const JobItem& item) {
     const bool restricted = stat(directory.c_str(), &place) == 0 && (place.st_mode & S_ISVTX) != 0;
     return restricted && user != 0 && user != file.st_uid && user != place.st_uid
                ? "is a file of somebody else"
-               : "";
+               : recording_refusal(item);
 }
 
 bool has_gone(const std::string& directory, const TargetLimits& limits) {
@@ -247,9 +300,7 @@ std::string copy_failure(const JobItem& item, const std::string& directory, cons
     const std::string source = source_refusal(item);
     const std::string target = source.empty() ? target_refusal(item, directory) : "";
     if (source.empty() && target.empty()) {
-        return item.media_type == QRA_MEDIA_TYPE_PVR
-                   ? "could not be copied: it is still being recorded, or nothing is known of it"
-                   : "could not be copied (QRA_LOG=warning tells why)";
+        return "could not be copied (QRA_LOG=warning tells why)";
     }
     return source.empty() ? target : source;
 }

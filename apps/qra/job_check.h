@@ -34,7 +34,7 @@ bool is_without_content(int media_type);
 /// Why a job does not work on tiles of this kind.
 std::string tile_refusal(int media_type);
 
-/// Why the source of a copy cannot be read as it is.
+/// Why the source of a copy cannot be read as it is, or is a recording that a job does not copy.
 std::string source_refusal(const JobItem& item);
 
 /// Why the target's file system cannot hold a file.
@@ -43,7 +43,10 @@ std::string limit_refusal(const JobItem& item, const TargetLimits& limits);
 /// Why nothing can be written where a copy would put a file.
 std::string target_refusal(const JobItem& item, const std::string& directory);
 
-/// Why a file cannot be removed.
+/// Why a copy would cost a file that is there already. Only main files are given names of their own.
+std::string companion_refusal(const JobItem& item, const std::string& directory);
+
+/// Why a file cannot be removed, or is a recording that a job does not delete.
 std::string removal_refusal(const JobItem& item);
 
 /// The name of the folder that a copy puts a file of this kind into; null for a kind that cannot be copied.

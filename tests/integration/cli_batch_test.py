@@ -208,12 +208,20 @@ class CopyTest(JobTest):
         self.assertEqual(["CONTENTS/news.inf", "CONTENTS/news.mta", "CONTENTS/news.srf", "CONTENTS/news.ss"],
                          self.files(self.target))
 
-    def test_recording_in_progress_ends_the_job(self):
+    def test_recording_in_progress_is_left_out(self):
         self.make_recording("live.srf", "--in-progress")
-        result = self.copy("3,MEDIA_TYPE=6", status=FAILED)
-        self.assertIn(b"live.srf could not be copied: it is still being recorded", result.stderr)
-        self.assertIn(b"1 file not copied", result.stderr)
-        self.assertEqual(["PHOTO/IMG_1.png"], self.files(self.target))
+        result = self.copy("MEDIA_TYPE=2,MEDIA_TYPE=6", status=FAILED)
+        self.assertIn(b"live.srf, is still being recorded", result.stderr)
+        self.assertIn(b"1 chosen tile was left out", result.stderr)
+        self.assertEqual(["PHOTO/IMG_1.png", "PHOTO/IMG_2.png", "PHOTO/IMG_3.png"], self.files(self.target))
+
+    def test_film_whose_subtitles_would_replace_those_of_another_is_left_out(self):
+        (self.target / "VIDEO").mkdir()
+        (self.target / "VIDEO" / "film.srt").write_text("of another film")
+        result = self.copy("2-3", status=FAILED)
+        self.assertIn(b"film.mp4, has a companion that would replace ", result.stderr)
+        self.assertEqual(["PHOTO/IMG_1.png", "VIDEO/film.srt"], self.files(self.target))
+        self.assertEqual("of another film", (self.target / "VIDEO" / "film.srt").read_text())
 
 
 class CopyCheckTest(JobTest):

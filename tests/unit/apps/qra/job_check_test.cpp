@@ -9,6 +9,7 @@
 
 #include "apps/qra/exit_status.h"
 #include "tests/fakes/own_mounts.h"
+#include "tests/fakes/recording_maker.h"
 #include "tests/fakes/temp_dir.h"
 
 namespace {
@@ -41,6 +42,15 @@ protected:
     JobItem item(const std::string& name, const std::string& content = "content") {
         JobItem item = item_named(name, content.size());
         item.path = directory_.write(name, content);
+        return item;
+    }
+
+    /// An item for a recording of the test's directory.
+    JobItem recording(const std::string& name, const SampleRecording& sample) {
+        JobItem item = item_named(name, sample.bytes);
+        item.media_type = QRA_MEDIA_TYPE_PVR;
+        item.path = directory_.path(name);
+        EXPECT_TRUE(make_recording(item.path, sample));
         return item;
     }
 
@@ -98,6 +108,54 @@ TEST_F(JobCheck, SourceWithoutATimeCannotBeCopied) {
     JobItem recording = item("a.srf");
     recording.has_time = false;
     EXPECT_THAT(source_refusal(recording), HasSubstr("modification time"));
+}
+
+TEST_F(JobCheck, FinishedRecordingGoesAndIsRemovedLockedOrNot) {
+    for (const bool locked : {false, true}) {
+        SampleRecording sample;
+        sample.locked = locked;
+        const JobItem news = recording("news.srf", sample);
+        EXPECT_EQ(source_refusal(news), "") << locked;
+        EXPECT_EQ(removal_refusal(news), "") << locked;
+    }
+}
+
+TEST_F(JobCheck, RecordingInProgressNeitherGoesNorIsRemoved) {
+    SampleRecording sample;
+    sample.finished = false;
+    const JobItem live = recording("live.srf", sample);
+    EXPECT_THAT(source_refusal(live), HasSubstr("still being recorded"));
+    EXPECT_THAT(removal_refusal(live), HasSubstr("still being recorded"));
+    EXPECT_THAT(copy_failure(live, directory_.path(), target_limits(directory_.path())),
+                HasSubstr("still being recorded"));
+}
+
+TEST_F(JobCheck, RecordingThatNobodyKnowsNeitherGoesNorIsRemoved) {
+    JobItem stray = item("stray.srf");
+    stray.media_type = QRA_MEDIA_TYPE_PVR;
+    EXPECT_THAT(source_refusal(stray), HasSubstr("info file"));
+    EXPECT_THAT(removal_refusal(stray), HasSubstr("info file"));
+}
+
+TEST_F(JobCheck, CompanionReplacesNoFile) {
+    JobItem film = item("film.mkv");
+    film.media_type = QRA_MEDIA_TYPE_VIDEO;
+    directory_.write("film.srt", "subtitles of film.mkv");
+    EXPECT_EQ(companion_refusal(film, directory_.path()), "");
+
+    std::filesystem::create_directory(directory_.path("VIDEO"));
+    directory_.write("VIDEO/film.avi", "another film");
+    EXPECT_EQ(companion_refusal(film, directory_.path()), "");
+    directory_.write("VIDEO/film.srt", "subtitles of film.avi");
+    EXPECT_THAT(companion_refusal(film, directory_.path()), HasSubstr("VIDEO/film.srt"));
+
+    directory_.write("VIDEO/film.mkv", "the copy will be numbered");
+    EXPECT_EQ(companion_refusal(film, directory_.path()), "");
+    directory_.write("VIDEO/film_001.srt", "of nothing");
+    EXPECT_THAT(companion_refusal(film, directory_.path()), HasSubstr("VIDEO/film_001.srt"));
+
+    film.media_type = QRA_MEDIA_TYPE_IMAGE;
+    EXPECT_EQ(companion_refusal(film, directory_.path()), "");
 }
 
 TEST_F(JobCheck, FatHoldsNoFileOfFourGibibytes) {
