@@ -10,6 +10,7 @@
 #include <qra/qra_device_check.h>
 #include <qra/qra_folder_thumb.h>
 #include <qra/qra_param.h>
+#include <qra/qra_playlist.h>
 #include <qra/qra_storage.h>
 #include <qra/qra_types.h>
 #include <qra/qra_util.h>

@@ -139,16 +139,19 @@ typedef enum {
  */
 #ifdef __cplusplus
 class CQRAAgentHandle;
+class CQRAM3UHandle;
 class CQRASendHandle;
 class CQRADeviceCheckHandle;
 class CQRAFolderThumbHandle;
 #else
 typedef struct CQRAAgentHandle CQRAAgentHandle;             /**< a list request */
+typedef struct CQRAM3UHandle CQRAM3UHandle;                 /**< an open playlist */
 typedef struct CQRASendHandle CQRASendHandle;               /**< a batch job */
 typedef struct CQRADeviceCheckHandle CQRADeviceCheckHandle; /**< a device check */
 typedef struct CQRAFolderThumbHandle CQRAFolderThumbHandle; /**< a request for a folder's thumbnail */
 #endif
 typedef CQRAAgentHandle* qra_agent_handler_h;              /**< a list request's handle */
+typedef CQRAM3UHandle* qra_playlist_handler_h;             /**< an open playlist's handle */
 typedef CQRADeviceCheckHandle* qra_device_check_handler_h; /**< a device check's handle */
 /** @} */
 

@@ -5,6 +5,7 @@
 
 std::string FakePlaylists::mount_path;
 std::vector<FakePlaylists::Playlist> FakePlaylists::playlists;
+std::vector<std::string> FakePlaylists::scanned;
 
 namespace {
 
@@ -26,6 +27,15 @@ bool is_scanned(const std::string& mount_path) {
 }
 
 }  // namespace
+
+CQRAPlaylistManager::CQRAPlaylistManager() = default;
+
+CQRAPlaylistManager::~CQRAPlaylistManager() = default;
+
+qra_error_code_e CQRAPlaylistManager::Create(const std::string& mount_path) {
+    FakePlaylists::scanned.push_back(mount_path);
+    return QRA_ERROR_NONE;
+}
 
 qra_error_code_e CQRAPlaylistManager::GetCount(const std::string& mount_path, int* count) {
     if (!is_scanned(mount_path))

@@ -15,6 +15,7 @@ struct FakePlaylists {
 
     static std::string mount_path;
     static std::vector<Playlist> playlists;
+    static std::vector<std::string> scanned;  ///< the mount paths that a scan was asked for
 };
 
 #endif

@@ -3,6 +3,7 @@
 #include "common/util/qra_assert.h"
 #include "common/util/qra_log.h"
 #include "common/util/qra_mutex.h"
+#include "common/util/qra_util.h"
 #include "libqra-agent/agent/src/qra_handle_parts.h"
 #include "libqra-agent/agent/src/qra_handler.h"
 #include "libqra-agent/agent/src/qra_handler_mgr.h"
@@ -11,6 +12,8 @@
 #include "libqra-agent/agent/src/qra_source_factory.h"
 #include "libqra-agent/agent/src/qra_type.h"
 #include "libqra-agent/agent/util/qra_web_agent_json.h"
+#include "libqra-agent/playlist/qra_playlist_location.h"
+#include "libqra-agent/playlist/qra_playlist_manager.h"
 #include "libqra-agent/source/qra_source_base.h"
 
 namespace {
@@ -55,6 +58,7 @@ bool IsRepeatOf(const CQRAAgentHandle* pHandle, const std::string& strSource) {
 
 qra_error_code_e CQRALocalAgent::RequestList(qra_general_s* pParam, on_list_complete_cb cb, void* pUserData,
                                              CQRAAgentHandle** ppHandle) {
+    m_InitPlayListsOf(*pParam);
     // Held to the end: a source may complete at once on its own thread, and its callback then waits here
     // until the handle is in the registry.
     CQRALockGuard<CQRAMutex> guard(m_AgentMutex);
@@ -81,6 +85,25 @@ qra_error_code_e CQRALocalAgent::RequestList(qra_general_s* pParam, on_list_comp
     QRA_LOG_INFO(QRA_TAG_LOCAL, "pAgent->pSource->Execute() success. Insert [%p] to Set. Handler Size[%d].",
                  static_cast<void*>(*ppHandle), pHandlerMgr->GetCount());
     return QRA_ERROR_NONE;
+}
+
+// Before any lock is taken: a scan takes as long as the drive does. Whether there is such a playlist is the
+// source's answer.
+void CQRALocalAgent::m_InitPlayListsOf(const qra_general_s& param) {
+    if (CQRAUtil::CharToString(param.pSource) != kSourcePlaylist || param.szPath == nullptr)
+        return;
+    const std::string strPath = CQRAUtil::RemoveForwardSlashInPath(param.szPath);
+    std::string strMountPath;
+    if (qra_is_on_usb(strPath))
+        m_InitAllPlayList(strPath, strMountPath);
+}
+
+qra_error_code_e CQRALocalAgent::m_InitAllPlayList(const std::string& strPath, std::string& strMountPath) {
+    constexpr size_t kShortestName = 7;  // where the name of a drive may end
+    const size_t nFrom = CQRAUtil::GetStoragePath("").size() + kShortestName;
+    strMountPath = strPath.substr(0, strPath.find('/', nFrom));
+    QRA_LOG_INFO(QRA_TAG_LOCAL, "Init palylist, mount path[%s].", strMountPath.c_str());
+    return CQRAPlaylistManager::GetInstance()->Create(strMountPath);
 }
 
 qra_error_code_e CQRALocalAgent::m_InitHandler(on_list_complete_cb cb, void* pUserData, qra_general_s* pParam,
@@ -132,6 +155,13 @@ qra_error_code_e CQRALocalAgent::m_CheckRequest(CQRAAgentHandle* pHandle, const 
     }
     if (strSource == kSourceMSC && !pHandle->GetRepeatMSC() && pParam->szPath == nullptr) {
         QRA_LOG_WARNING(QRA_TAG_LOCAL, "szPath == NULL");
+        return QRA_ERROR_INVALID_PARAM;
+    }
+    if (strSource == kSourcePlaylist &&
+        (pParam->szPath == nullptr || pParam->szContentType == nullptr || pParam->szSortCategory == nullptr ||
+         pParam->szPlayListName == nullptr)) {
+        QRA_LOG_WARNING(QRA_TAG_LOCAL,
+                        "A playlist needs a path, a content type, a sort category and a name.");
         return QRA_ERROR_INVALID_PARAM;
     }
     return QRA_ERROR_NONE;

@@ -38,6 +38,10 @@ public:
     /// succeeds.
     qra_error_code_e RequestList(qra_general_s* pParam, on_list_complete_cb cb, void* pUserData,
                                  CQRAAgentHandle** ppHandle) override;
+    /// Has the playlist manager scan the USB drive of a path for playlists, unless it did so before. What the
+    /// drive's mount path is goes to `strMountPath`: the path up to the first "/" that lies 7 bytes or more
+    /// behind the media root.
+    static qra_error_code_e m_InitAllPlayList(const std::string& strPath, std::string& strMountPath);
     qra_error_code_e CancelRequestList(CQRAAgentHandle* pHandle) override;
     /// Closes the source and takes the handle out of the registry; the caller destroys it.
     qra_error_code_e Disconnect(CQRAAgentHandle* pHandle) override;
@@ -105,6 +109,7 @@ public:
 
 private:
     // Requests.
+    static void m_InitPlayListsOf(const qra_general_s& param);
     qra_error_code_e m_InitHandler(on_list_complete_cb cb, void* pUserData, qra_general_s* pParam,
                                    CQRAAgentHandle** ppHandle);
     qra_error_code_e m_CheckRequest(CQRAAgentHandle* pHandle, const qra_general_s* pParam) const;

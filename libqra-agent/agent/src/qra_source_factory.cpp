@@ -5,6 +5,7 @@
 
 #include "libqra-agent/agent/src/qra_local_agent.h"
 #include "libqra-agent/agent/src/qra_web_agent.h"
+#include "libqra-agent/playlist/qra_playlist_source.h"
 #include "libqra-agent/source/local-source/qra_msc_source.h"
 
 namespace {
@@ -23,7 +24,7 @@ const SourceMaker kSourceMakers[] = {
     {kSourceMSC, &Make<CQRAMSCSource>},
     {kSourcePTP, nullptr},
     {kSourceDLNA, nullptr},
-    {kSourcePlaylist, nullptr},
+    {kSourcePlaylist, &Make<CQRAPlaylistSource>},
 };
 
 const SourceMaker* FindMaker(const std::string& strSource) {

@@ -21,6 +21,7 @@ AgentTest::~AgentTest() {
     FakeFactory::make_source = nullptr;
     FakeFactory::make_other_agent = nullptr;
     FakePlaylists::playlists.clear();
+    FakePlaylists::scanned.clear();
 }
 
 qra_error_code_e AgentTest::request(const std::string& source, const char* category, const char* path,
@@ -30,6 +31,10 @@ qra_error_code_e AgentTest::request(const std::string& source, const char* categ
     param.szSortCategory = const_cast<char*>(category);
     param.szPath = const_cast<char*>(path);
     param.pPrepareData = const_cast<char*>(prepare_data);
+    char content_type[] = "CONTENT-MUSIC";
+    char playlist[] = "Blues";
+    param.szContentType = content_type;
+    param.szPlayListName = playlist;
     return qra_request_list_v2(&param, &on_list, this, &handle_);
 }
 
