@@ -31,6 +31,10 @@
  * have (rating, bookmarks, expanding, selecting and setting values of groups and items, real numbers and
  * times) answers QRA_ERROR_INTERNAL.
  *
+ * A "SOURCE_PLAYLIST" request shows the items of one playlist (qra_playlist.h). It needs a path, a content
+ * type, a sort category and a playlist name, reads the drive's playlists first where that was not done, and
+ * answers with QRA_EVENT_LIST_FAILED for a playlist without items. Its callback comes after a cancel, too.
+ *
  * @section qra_agent_threads Threads and the main loop
  *
  * The functions do their work on the thread that calls them. They take no lock that makes two calls on one
@@ -234,8 +238,8 @@ QRA_API qra_error_code_e qra_set_page_style_v2(qra_agent_handler_h hAgent, qra_p
  * @retval QRA_ERROR_NONE           done
  * @retval QRA_ERROR_INVALID_HANDLE no live list handle, or no page style was set
  * @retval QRA_ERROR_INVALID_PARAM  the mask of the style is refused
- * @retval QRA_ERROR_NOT_EXIST      the playlists of a "SOURCE_MSC" handle could not be counted, as its drive
- * has not been scanned for them; the page is gone then. This build scans none
+ * @retval QRA_ERROR_NOT_EXIST      on a "SOURCE_MSC" handle always: the playlists are asked for under a mount
+ * path that no request sets. The page is gone then
  * @retval QRA_ERROR_INTERNAL       nothing could be laid out
  */
 QRA_API qra_error_code_e qra_set_expand_mode_v2(qra_agent_handler_h hAgent, int nGroupIndex, bool bExpand);
@@ -308,8 +312,8 @@ QRA_API qra_error_code_e qra_get_item_v2(qra_agent_handler_h hAgent, int nIndex,
  * @retval QRA_ERROR_NONE           done
  * @retval QRA_ERROR_INVALID_HANDLE no live list handle, or no page style was set
  * @retval QRA_ERROR_INVALID_PARAM  an argument is null, or the list or the page does not hold the item
- * @retval QRA_ERROR_NOT_EXIST      the id is a playlist's, and no such playlist is known. This build knows
- * none
+ * @retval QRA_ERROR_NOT_EXIST      the id is a playlist's, and no such playlist is known on a drive that was
+ * read for playlists (qra_playlist.h)
  */
 QRA_API qra_error_code_e qra_get_page_index_v2(qra_agent_handler_h hAgent, char* pMediaId, int* pnPageIndex);
 
@@ -402,7 +406,7 @@ QRA_API qra_error_code_e qra_move_to_index_v2(qra_agent_handler_h hAgent, int nI
  * @retval QRA_ERROR_INVALID_HANDLE no live list handle, or no page style was set
  * @retval QRA_ERROR_INVALID_PARAM  an argument is null
  * @retval QRA_ERROR_INTERNAL       the source does not know the value, or there is no tile at the cursor
- * @retval QRA_ERROR_NOT_EXIST      the playlist of a playlist tile is not known. This build knows none
+ * @retval QRA_ERROR_NOT_EXIST      the playlist of a playlist tile is not known (any more)
  */
 QRA_API qra_error_code_e qra_get_item_value_char_v2(qra_agent_handler_h hAgent, const char* pField,
                                                     char** ppValue);

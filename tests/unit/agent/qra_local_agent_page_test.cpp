@@ -119,7 +119,12 @@ TEST_F(Page, ExpandModeShowsTheExpandedGroupsAndKeepsTheCursor) {
 TEST_F(Page, ExpandModeOnADriveNeedsItsPlaylists) {
     script_items(5);
     open_page(0x18, "CATEGORY-DATE");
+    EXPECT_EQ(page(), "cluster 0+1") << "a page style counts no playlists";
     const LogCapture log;
+
+    // No request sets the mount path that the playlists are asked for.
+    FakePlaylists::mount_path = "/media/USBDrive1";
+    FakePlaylists::playlists = {{"Blues", "1.m3u", 4}};
 
     EXPECT_EQ(qra_set_expand_mode_v2(handle_, 0, true), QRA_ERROR_NOT_EXIST);
     EXPECT_EQ(handle_->GetContentPage(), nullptr);

@@ -14,7 +14,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/fakes/private_mounts.h"
+#include "tests/fakes/own_mounts.h"
 #include "tests/fakes/temp_dir.h"
 
 namespace {
@@ -117,22 +117,22 @@ TEST_F(UsbDevice, TheMediaRootMayComeLater) {
 }
 
 TEST_F(UsbDevice, AFileSystemBelowTheRootIsADrive) {
-    if (!enter_private_mounts())
+    if (!have_own_mounts())
         GTEST_SKIP() << "no mount namespace of our own is allowed here";
     const std::string path = root_.path("usb drive");
     mkdir(path.c_str(), 0700);
     start();
-    ASSERT_EQ(mount("tmpfs", path.c_str(), "tmpfs", 0, nullptr), 0);
+    ASSERT_TRUE(mount_memory(path, ""));
     EXPECT_EQ(reports_.wait_for(1), Texts{"mounted 8 " + path});
     ASSERT_EQ(umount(path.c_str()), 0);
     EXPECT_EQ(reports_.wait_for(2).back(), "unmounted 8 " + path);
 }
 
 TEST_F(UsbDevice, AFileSystemElsewhereOnNoUsbDeviceIsNone) {
-    if (!enter_private_mounts())
+    if (!have_own_mounts())
         GTEST_SKIP() << "no mount namespace of our own is allowed here";
     start();
-    ASSERT_EQ(mount("tmpfs", folder_.path().c_str(), "tmpfs", 0, nullptr), 0);
+    ASSERT_TRUE(mount_memory(folder_.path(), ""));
     const std::string path = link("USBDrive1");
     EXPECT_EQ(reports_.wait_for(1), Texts{"mounted 8 " + path});
     ASSERT_EQ(umount2(folder_.path().c_str(), MNT_DETACH), 0);
