@@ -334,7 +334,7 @@ struct RecordProbe {
 TEST(HostileInput, NoRecordFunctionTakesNull) {
     int functions = 0;
     for_each_function(RecordProbe{functions});
-    EXPECT_EQ(184, functions);
+    EXPECT_EQ(187, functions);
 }
 
 TEST(HostileInput, OpaquePointersTakeNullWhereTheyMay) {
@@ -358,6 +358,7 @@ TEST(HostileInput, ARequestNeedsARecordASourceAndRoomForItsHandle) {
 
 TEST(HostileInput, ASourceThatIsNotServedIsRefused) {
     for (const char* source : {"SOURCE_PTP", "SOURCE_DLNA", "SOURCE_PLAYLIST"}) {
+    for (const char* source : {"SOURCE_PTP", "SOURCE_DLNA", "CloudSource", "source_msc", " "}) {
         const Param<qra_general_s> request;
         qra_param_set_general_source(request, source);
         qra_param_set_general_path(request, "/");
@@ -375,6 +376,16 @@ TEST(HostileInput, ASourceOfTheEngineWithoutAnAccountIsRefused) {
         EXPECT_EQ(QRA_ERROR_INVALID_PARAM, qra_request_list_v2(request, nullptr, nullptr, &handle)) << source;
         EXPECT_EQ(nullptr, handle) << source;
     }
+TEST(HostileInput, APlaylistRequestNeedsAllItsTexts) {
+    const Param<qra_general_s> request;
+    Handle handle = nullptr;
+    qra_param_set_general_source(request, "SOURCE_PLAYLIST");
+    EXPECT_EQ(QRA_ERROR_INVALID_PARAM, qra_request_list_v2(request, nullptr, nullptr, &handle));
+    qra_param_set_general_path(request, "/");
+    qra_param_set_general_playlist_name(request, "Blues");
+    qra_param_set_general_content_type(request, "CONTENT-MUSIC");
+    EXPECT_EQ(QRA_ERROR_INVALID_PARAM, qra_request_list_v2(request, nullptr, nullptr, &handle));
+    EXPECT_EQ(nullptr, handle);
 }
 
 TEST(HostileInput, FunctionsWithoutARequestRefuseNullsAndUnknowns) {
