@@ -357,8 +357,7 @@ TEST(HostileInput, ARequestNeedsARecordASourceAndRoomForItsHandle) {
 }
 
 TEST(HostileInput, ASourceThatIsNotServedIsRefused) {
-    for (const char* source : {"SOURCE_PTP", "SOURCE_DLNA", "SOURCE_PLAYLIST"}) {
-    for (const char* source : {"SOURCE_PTP", "SOURCE_DLNA", "CloudSource", "source_msc", " "}) {
+    for (const char* source : {"SOURCE_PTP", "SOURCE_DLNA"}) {
         const Param<qra_general_s> request;
         qra_param_set_general_source(request, source);
         qra_param_set_general_path(request, "/");
@@ -376,6 +375,8 @@ TEST(HostileInput, ASourceOfTheEngineWithoutAnAccountIsRefused) {
         EXPECT_EQ(QRA_ERROR_INVALID_PARAM, qra_request_list_v2(request, nullptr, nullptr, &handle)) << source;
         EXPECT_EQ(nullptr, handle) << source;
     }
+}
+
 TEST(HostileInput, APlaylistRequestNeedsAllItsTexts) {
     const Param<qra_general_s> request;
     Handle handle = nullptr;
