@@ -93,7 +93,9 @@ std::string QRAShareCommon::MakeLocalFolderName(int type, std::string strBase, i
 bool QRAShareCommon::MakeLocalOutFolder(int type, std::string& strPath) {
     for (int n = 0; n < kFolderCount; ++n) {
         const std::string strFolder = MakeLocalFolderName(type, strPath, n);
-        if (CQRADir::DirExists(strFolder.c_str()) || CQRADir::Create(strFolder.c_str())) {
+        // Another job may make it in between, and have it refused to this one.
+        if (CQRADir::DirExists(strFolder.c_str()) || CQRADir::Create(strFolder.c_str()) ||
+            CQRADir::DirExists(strFolder.c_str())) {
             strPath = strFolder;
             return true;
         }

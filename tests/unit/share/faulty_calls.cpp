@@ -60,6 +60,7 @@ ssize_t __real_read(int fd, void* buffer, size_t count);
 ssize_t __real_write(int fd, const void* buffer, size_t count);
 int __real_fsync(int fd);
 int __real_unlink(const char* path);
+int __real_mkdir(const char* path, mode_t mode);
 gint64 __real_g_get_monotonic_time();
 void __real_g_usleep(gulong microseconds);
 GThread* __real_g_thread_try_new(const gchar* name, GThreadFunc function, gpointer data, GError** error);
@@ -101,6 +102,10 @@ int __wrap_fsync(int fd) {
 
 int __wrap_unlink(const char* path) {
     return fails("unlink", path) ? -1 : __real_unlink(path);
+}
+
+int __wrap_mkdir(const char* path, mode_t mode) {
+    return fails("mkdir", path) ? -1 : __real_mkdir(path, mode);
 }
 
 gint64 __wrap_g_get_monotonic_time() {

@@ -12,8 +12,8 @@
  * Hooks are set while no job runs; they are called on the jobs' threads.
  */
 struct FaultyCalls {
-    /// Asked before each call: "open", "read", "write", "fsync" or "unlink", with its path if it has one. An
-    /// errno other than 0 fails the call.
+    /// Asked before each call: "open", "read", "write", "fsync", "unlink" or "mkdir", with its path if it
+    /// has one. An errno other than 0 fails the call.
     static std::function<int(const std::string& call, const std::string& path)> before;
     /// Told of each read and write that moved something, and of each fsync.
     static std::function<void(const std::string& call, size_t bytes)> after;

@@ -166,6 +166,19 @@ TEST_F(ShareFault, AReadOnlyTargetFailsTheFile) {
     EXPECT_TRUE(copied().empty());
 }
 
+TEST_F(ShareFault, AFolderThatAnotherJobMakesAtTheSameTimeIsTaken) {
+    select("a.jpg", "x");
+    FaultyCalls::before = [](const std::string& call, const std::string& path) {
+        if (call == "mkdir") {
+            fs::create_directory(path);
+        }
+        return 0;
+    };
+    run_copy();
+    EXPECT_EQ(copied(), Names{"a.jpg"});
+    EXPECT_FALSE(fs::exists(dest_ + "/PHOTO001"));
+}
+
 TEST_F(ShareFault, ACompanionThatFailsDoesNotFailItsVideo) {
     for (const char* call : {"read", "write", "fsync"}) {
         script_.items.clear();
