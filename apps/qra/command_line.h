@@ -36,6 +36,17 @@ struct DeviceOptions {
     int timeout = 60;  ///< check-device, thumbs: seconds
     std::string content_type = "image";
     int count = 4;
+/// A playlist, and what is to be done with it.
+struct PlaylistOptions {
+    std::string name;
+    std::string new_name;               ///< rename
+    int max_items = 100;                ///< new, import
+    std::vector<std::string> files;     ///< add
+    std::string list_path;              ///< add --from
+    std::vector<TileChoice> positions;  ///< add --select, remove
+    std::string file;                   ///< export, import
+    bool internal = false;
+    bool yes = false;  ///< delete without asking
 };
 
 /// What the user asked for. Each command uses the fields that its options fill.
@@ -54,6 +65,7 @@ struct CommandLine {
     AccountOptions account;
     JobOptions job;
     DeviceOptions devices;
+    PlaylistOptions playlist;
 };
 
 /// Reads the command line. Prints help, the version, or what is wrong with the arguments.

@@ -19,5 +19,15 @@ void run_delete(const CommandLine& line);
 void run_account_add(const CommandLine& line);
 void run_account_list(const CommandLine& line);
 void run_account_remove(const CommandLine& line);
+void run_playlist_list(const CommandLine& line);
+void run_playlist_new(const CommandLine& line);
+void run_playlist_show(const CommandLine& line);
+void run_playlist_add(const CommandLine& line);
+void run_playlist_remove(const CommandLine& line);
+void run_playlist_rename(const CommandLine& line);
+void run_playlist_delete(const CommandLine& line);
+void run_playlist_check(const CommandLine& line);
+void run_playlist_export(const CommandLine& line);
+void run_playlist_import(const CommandLine& line);
 
 #endif

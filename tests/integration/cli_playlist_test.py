@@ -1,0 +1,149 @@
+#!/usr/bin/env python3
+"""Tests `qra playlist` on real folders, with a real media database.
+
+Usage: cli_playlist_test.py QRA ENGINE [TEST...]
+"""
+import json
+import unittest
+
+from cli_tool import FAILED, SUCCESS, USAGE, ToolTest, wav
+
+
+class PlaylistTest(ToolTest):
+    """Has a folder with three songs, one of them in a folder of its own."""
+
+    def setUp(self):
+        super().setUp()
+        wav(self.tree / "blues.wav")
+        wav(self.tree / "rock.wav", 3)
+        (self.tree / "Sub").mkdir()
+        wav(self.tree / "Sub" / "jazz.wav")
+
+    def playlist(self, command, *arguments, status=SUCCESS):
+        return self.qra("playlist", command, *arguments, status=status)
+
+    def objects(self, command, *arguments, status=SUCCESS):
+        output = self.playlist(command, *arguments, "--json", status=status).stdout.decode()
+        return [json.loads(line) for line in output.splitlines()]
+
+    def titles(self, name="Party"):
+        return [song["DISPLAY_NAME"] for song in self.objects("show", self.tree, name)]
+
+    def make(self, *files, name="Party"):
+        self.playlist("new", self.tree, name)
+        if files:
+            self.playlist("add", self.tree, name, *(self.tree / file for file in files))
+
+    def files(self):
+        return sorted(self.tree.glob("*.m3u"))
+
+    def test_a_playlist_is_made_filled_and_shown(self):
+        self.make("rock.wav", "Sub/jazz.wav", "blues.wav")
+        self.assertEqual(["rock.wav", "jazz.wav", "blues.wav"], self.titles())
+        song = self.objects("show", self.tree, "Party")[1]
+        self.assertEqual(self.media_path() + "/Sub/jazz.wav", song["FILE_PATH"])
+        self.assertEqual((1, 5, 2000), (song["INDEX"], song["MEDIA_TYPE"], song["DURATION"]))
+        listed = self.objects("list", self.tree)
+        self.assertEqual([("Party", 3)], [(each["DISPLAY_NAME"], each["SONGS_COUNT"]) for each in listed])
+        self.assertIn("Party  3 items", self.playlist("list", self.tree).stdout.decode())
+        self.assertIn("jazz.wav", self.playlist("show", self.tree, "Party").stdout.decode())
+
+    def test_tiles_of_a_list_are_added(self):
+        self.make()
+        self.playlist("add", self.tree, "Party", "--from", self.tree, "--select", "all")
+        self.assertEqual(["blues.wav", "rock.wav"], sorted(self.titles()))
+        self.playlist("add", self.tree, "Party", status=USAGE)
+
+    def test_items_are_taken_out_by_their_positions(self):
+        self.make("rock.wav", "Sub/jazz.wav", "blues.wav")
+        self.playlist("remove", self.tree, "Party", "0,2")
+        self.assertEqual(["jazz.wav"], self.titles())
+        self.playlist("remove", self.tree, "Party", "1", status=FAILED)
+        self.playlist("remove", self.tree, "Party", "group:1", status=USAGE)
+
+    def test_it_is_renamed_and_deleted(self):
+        self.make("rock.wav")
+        file = self.files()[0]
+        self.playlist("rename", self.tree, "Party", "Summer")
+        self.assertEqual(["rock.wav"], self.titles("Summer"))
+        self.assertEqual([file], self.files())
+        self.playlist("delete", self.tree, "Summer", status=FAILED)  # not confirmed
+        self.playlist("delete", self.tree, "Summer", "--yes")
+        self.assertEqual([], self.files())
+        self.playlist("show", self.tree, "Summer", status=FAILED)
+
+    def test_a_name_is_used_once_and_files_have_to_be_media_of_the_drive(self):
+        self.make()
+        self.playlist("new", self.tree, "Party", status=FAILED)
+        self.playlist("new", self.tree, "", status=USAGE)
+        (self.tree / "notes.txt").write_text("no media")
+        self.playlist("add", self.tree, "Party", self.tree / "notes.txt", status=FAILED)
+        self.playlist("add", self.tree, "Party", self.tree / "gone.wav", status=FAILED)
+        other = self.directory / "other"
+        other.mkdir()
+        wav(other / "soul.wav")
+        self.playlist("add", self.tree, "Party", other / "soul.wav", status=FAILED)
+        self.assertEqual([], self.titles())
+
+    def test_check_finds_missing_and_double_entries(self):
+        self.make("rock.wav", "blues.wav", "rock.wav")
+        (self.tree / "blues.wav").unlink()
+        problems = self.objects("check", self.tree, "Party", status=FAILED)
+        self.assertEqual([(1, "missing"), (2, "double")], [(each["INDEX"], each["problem"]) for each in problems])
+        self.playlist("remove", self.tree, "Party", "1-2")
+        self.assertEqual([], self.objects("check", self.tree, "Party"))
+
+    def test_an_export_is_for_other_players_and_can_be_imported(self):
+        self.make("rock.wav", "Sub/jazz.wav")
+        exported = self.tree / "Sub" / "party.m3u8"
+        self.playlist("export", self.tree, "Party", exported)
+        lines = exported.read_text().splitlines()
+        self.assertEqual(["#EXTM3U", "../rock.wav", "jazz.wav"], [lines[0], lines[2], lines[4]])
+        self.assertTrue(lines[1].startswith("#EXTINF:3,"), lines)
+        self.playlist("import", self.tree, exported)
+        self.assertEqual(["rock.wav", "jazz.wav"], self.titles("party"))
+        self.assertEqual(exported.read_bytes().splitlines()[0],
+                         self.playlist("export", self.tree, "Party", "-").stdout.splitlines()[0])
+
+    def test_lists_of_other_players_are_imported(self):
+        (self.tree / "a.pls").write_text("[playlist]\nFile1=rock.wav\nTitle1=Rock!\nNumberOfEntries=1\n")
+        self.playlist("import", self.tree, self.tree / "a.pls", "--name", "One")
+        self.assertEqual("Rock!", self.objects("show", self.tree, "One")[0]["TITLE"])
+        (self.tree / "b.xspf").write_text("<playlist><trackList><track><location>Sub/jazz.wav</location></track>"
+                                          "</trackList></playlist>")
+        self.playlist("import", self.tree, self.tree / "b.xspf")
+        self.assertEqual(["jazz.wav"], self.titles("b"))
+
+    def test_an_import_tells_what_it_cannot_have(self):
+        wav(self.tree / "caf\u00e9.wav")
+        (self.tree / "old.m3u8").write_bytes(b"#EXTM3U\r\ncaf\xe9.wav\r\nhttp://example.org/x.mp3\r\ngone.wav\r\n")
+        result = self.playlist("import", self.tree, self.tree / "old.m3u8", "--name", "Old", status=FAILED)
+        self.assertIn("2 entries were left out", result.stderr.decode())
+        self.assertEqual(["caf\u00e9.wav"], self.titles("Old"))
+        (self.tree / "bad.xspf").write_text("<playlist>")
+        self.playlist("import", self.tree, self.tree / "bad.xspf", status=FAILED)
+
+    def test_internal_storage_has_one_playlist(self):
+        flash = self.directory / "flash"
+        flash.mkdir()
+        self.playlist("new", flash, "Party", "--internal", status=USAGE)
+        self.playlist("new", flash, ".bgm", "--internal")
+        self.playlist("add", flash, ".bgm", self.tree / "rock.wav", "--internal")
+        songs = self.objects("show", flash, ".bgm", "--internal")
+        self.assertEqual([self.media_path() + "/rock.wav"], [song["FILE_PATH"] for song in songs])
+        self.assertEqual(1, len(self.objects("list", flash, "--internal")))
+        self.playlist("rename", flash, ".bgm", "x", "--internal", status=USAGE)
+
+    def test_a_playlist_moves_with_its_drive(self):
+        self.make("rock.wav")
+        self.qra("detach", "USBDrive1")
+        moved = self.directory / "moved"
+        self.tree.rename(moved)
+        self.qra("attach", moved, "--as", "USBDrive7")
+        songs = self.objects("show", moved, "Party")
+        self.assertEqual([self.media_path("USBDrive7") + "/rock.wav"], [song["FILE_PATH"] for song in songs])
+        self.assertEqual([], self.objects("check", moved, "Party"))
+
+
+if __name__ == "__main__":
+    unittest.main()
