@@ -1,10 +1,10 @@
 #include <json/value.h>
 #include <json/writer.h>
-#include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 #include <filesystem>
-#include <map>
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
