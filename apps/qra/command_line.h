@@ -36,6 +36,8 @@ struct DeviceOptions {
     int timeout = 60;  ///< check-device, thumbs: seconds
     std::string content_type = "image";
     int count = 4;
+};
+
 /// A playlist, and what is to be done with it.
 struct PlaylistOptions {
     std::string name;
