@@ -280,6 +280,40 @@ TEST_F(EngineDevices, TakeADriveAwayWhenItsDiskIsUnmounted) {
     EXPECT_FALSE(database_has(path));
 }
 
+TEST_F(EngineDevices, LeaveADriveThatTookTheNameOfTheirsWhenTheirDiskIsUnmounted) {
+    const FakeDisk stick = {"/dev/sdb1", folder("stick"), "", "vfat", "", "", ""};
+    const FakeDisk other_stick = {"/dev/sdc1", folder("other"), "", "vfat", "", "", ""};
+    FakeUDisks disks({stick});
+    EngineProcess engine;
+    EngineClient client;
+    bind(client);
+    ASSERT_EQ(1U, usb(client).size());
+    const std::string path = usb(client)[0]["mountPath"].asString();
+    detach(path);
+    take(client, kWent);
+    const std::string drive = folder("drive");
+    ASSERT_EQ(path, attach(drive)) << "the name is not given out again";
+    take(client, kCame);
+    disks.set({other_stick});
+    EXPECT_EQ(other_stick.mount_point,
+              std::filesystem::read_symlink(take(client, kCame)["mountPath"].asString()));
+    EXPECT_EQ(drive, std::filesystem::read_symlink(path));
+    EXPECT_TRUE(database_has(path));
+    EXPECT_EQ(0U, client.signals_left());
+}
+
+TEST_F(EngineDevices, TryADiskAgainThatCouldNotBecomeADrive) {
+    const FakeDisk stick = {"/dev/sdb1", files_.path("late"), "", "vfat", "", "", ""};
+    FakeUDisks disks({stick});
+    EngineProcess engine;
+    EngineClient client;
+    bind(client);
+    ASSERT_EQ(0U, usb(client).size());
+    folder("late");
+    disks.set({stick});
+    EXPECT_EQ(stick.mount_point, std::filesystem::read_symlink(take(client, kCame)["mountPath"].asString()));
+}
+
 TEST_F(EngineDevices, DoNotShowDisksThatNobodyPlugsIn) {
     FakeDisk fixed = {"/dev/sda1", folder("fixed"), "", "ext4", "", "", ""};
     fixed.connection = "";
@@ -436,6 +470,29 @@ TEST_F(EngineMounts, AreDrivesElsewhereIfTheirDiskIsOnUsb) {
     EXPECT_EQ(0, umount2(other.c_str(), MNT_DETACH));
     take(client, kWent);
     EXPECT_EQ(0U, client.signals_left());
+}
+
+TEST_F(EngineMounts, LeaveNoDriveWhenTheyAreUnmountedAfterTheEngineWasKilled) {
+    ASSERT_TRUE(mount_memory("/media/stick", "size=1m"));
+    std::string path;
+    {
+        EngineProcess killed;
+        EngineClient client;
+        for (const Json::Value& drive : usb(client)) {
+            const std::string link = drive["mountPath"].asString();
+            path = std::filesystem::read_symlink(link) == "/media/stick" ? link : path;
+        }
+        ASSERT_FALSE(path.empty());
+        killed.kill();
+    }
+    ASSERT_EQ(0, umount2("/media/stick", MNT_DETACH));
+    ASSERT_TRUE(std::filesystem::is_symlink(path));
+    const std::string attached = attach(folder("drive"));
+    EngineProcess engine;
+    EngineClient client;
+    usb(client);
+    EXPECT_FALSE(std::filesystem::is_symlink(path));
+    EXPECT_TRUE(database_has(attached));
 }
 
 TEST_F(EngineMounts, AreNoLongerShownWhenAnAttachedOneIsUnmounted) {

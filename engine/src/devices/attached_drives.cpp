@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 #include <utility>
 
+#include "engine/src/devices/mount_table.h"
 #include "engine/src/engine_log.h"
 #include "media_content_admin.h"
 #include "platform_paths.h"
@@ -17,12 +19,61 @@ namespace {
 constexpr size_t kNameLength = sizeof("USBDrive") - 1;
 
 bool add_drive(const media_content_drive_s* drive, void* drives) {
-    if (drive->mounted) {
-        const std::string name = drive->name;
-        static_cast<std::vector<AttachedDrive>*>(drives)->push_back(
-            {drive->id, name, std::atoi(name.c_str() + kNameLength), drive->link_path, drive->target});
-    }
+    const std::string name = drive->name;
+    static_cast<std::vector<AttachedDrive>*>(drives)->push_back(
+        {drive->id, name, std::atoi(name.c_str() + kNameLength), drive->link_path, drive->target,
+         drive->mounted});
     return true;
+}
+
+/// All that are attached, mounted or not.
+std::vector<AttachedDrive> all_drives() {
+    std::vector<AttachedDrive> drives;
+    const int error = media_content_admin_foreach_drive(&add_drive, &drives);
+    if (error != MEDIA_CONTENT_ERROR_NONE) {
+        ENGINE_WARNING("cannot list the drives: error %d", error);
+    }
+    return drives;
+}
+
+/// The id of the directory's drive, empty if it is shown with another one that it lies in. Nothing if it
+/// cannot be attached.
+std::optional<std::string> attach(const std::string& directory) {
+    char* path = nullptr;
+    const int error = media_content_admin_attach(directory.c_str(), nullptr, &path);
+    const std::unique_ptr<char, Release<std::free>> owned(path);
+    if (error != MEDIA_CONTENT_ERROR_NONE) {
+        ENGINE_WARNING("cannot attach %s: error %d", directory.c_str(), error);
+        return std::nullopt;
+    }
+    for (const AttachedDrive& drive : all_drives()) {
+        if (drive.link_path == path) {
+            return drive.id;
+        }
+    }
+    return std::string();
+}
+
+/// By its id: another drive may have its name by now, if somebody else detached it already.
+void detach(const std::string& id) {
+    for (const AttachedDrive& drive : all_drives()) {
+        if (drive.id == id) {
+            media_content_admin_detach(drive.name.c_str());
+        }
+    }
+}
+
+/// Detaches what was mounted where systems mount what people plug in, and no longer is. Mounted again, it is
+/// the same drive again.
+void detach_unmounted() {
+    const std::vector<Mount> mounts = mount_table();
+    for (const AttachedDrive& drive : all_drives()) {
+        const bool is_mount_point = std::any_of(
+            mounts.begin(), mounts.end(), [&](const Mount& mount) { return mount.point == drive.target; });
+        if (!drive.mounted && is_media_path(drive.target) && !is_mount_point) {
+            media_content_admin_detach(drive.name.c_str());
+        }
+    }
 }
 
 }  // namespace
@@ -51,23 +102,12 @@ void AttachedDrives::on_root_changed(GFileMonitor*, GFile*, GFile*, GFileMonitor
     static_cast<AttachedDrives*>(self)->changed_();
 }
 
-std::string AttachedDrives::attach(const std::string& directory) {
-    char* path = nullptr;
-    const int error = media_content_admin_attach(directory.c_str(), nullptr, &path);
-    const std::unique_ptr<char, Release<std::free>> owned(path);
-    if (error != MEDIA_CONTENT_ERROR_NONE) {
-        ENGINE_WARNING("cannot attach %s: error %d", directory.c_str(), error);
-        return {};
-    }
-    const std::filesystem::path link = path;
-    // A volume that is mounted inside another drive is shown with that one.
-    const bool is_drive = link.parent_path() == platform_path_get(PLATFORM_PATH_MEDIA_ROOT);
-    return is_drive ? link.filename().string() : std::string();
-}
-
 void AttachedDrives::keep(const Volumes& volumes) {
     if (!media_.ensure()) {
         return;
+    }
+    if (!std::exchange(leftovers_removed_, true)) {
+        detach_unmounted();
     }
     const auto is_mounted = [&](const std::string& point) {
         return std::any_of(volumes.begin(), volumes.end(),
@@ -78,27 +118,29 @@ void AttachedDrives::keep(const Volumes& volumes) {
             ++kept;
             continue;
         }
-        // Somebody else may have detached it already.
         if (!kept->second.empty()) {
-            media_content_admin_detach(kept->second.c_str());
+            detach(kept->second);
         }
         kept = kept_.erase(kept);
     }
     for (const Volume& volume : volumes) {
-        if (kept_.count(volume.mount_point) == 0) {
-            kept_[volume.mount_point] = attach(volume.mount_point);
+        if (kept_.count(volume.mount_point) != 0) {
+            continue;
+        }
+        if (auto id = attach(volume.mount_point)) {
+            kept_[volume.mount_point] = std::move(*id);
         }
     }
 }
 
 std::vector<AttachedDrive> AttachedDrives::drives() {
-    std::vector<AttachedDrive> drives;
-    if (media_.ensure()) {
-        const int error = media_content_admin_foreach_drive(&add_drive, &drives);
-        if (error != MEDIA_CONTENT_ERROR_NONE) {
-            ENGINE_WARNING("cannot list the drives: error %d", error);
-        }
+    if (!media_.ensure()) {
+        return {};
     }
+    std::vector<AttachedDrive> drives = all_drives();
+    drives.erase(std::remove_if(drives.begin(), drives.end(),
+                                [](const AttachedDrive& drive) { return !drive.mounted; }),
+                 drives.end());
     return drives;
 }
 

@@ -15,13 +15,14 @@
 
 namespace engine {
 
-/// A drive of the media database that is there: a link below the media root to a directory.
+/// A drive of the media database: a link below the media root to a directory.
 struct AttachedDrive {
     std::string id;
     std::string name;  ///< "USBDriveN"
     int number;        ///< N
     std::string link_path;
     std::string target;  ///< the directory
+    bool mounted;        ///< the directory is there, on the file system that was attached
 };
 
 /**
@@ -37,7 +38,9 @@ public:
     AttachedDrives(const AttachedDrives&) = delete;
     AttachedDrives& operator=(const AttachedDrives&) = delete;
 
-    /// Attaches the volumes that are new, and detaches those that were given before and are no longer.
+    /// Attaches the volumes that are new, and detaches those that were given before and are no longer; the
+    /// first time also those that an engine before this one kept and that were unmounted since. A volume that
+    /// cannot be attached is tried again the next time.
     void keep(const Volumes& volumes);
 
     /// The drives that are attached and mounted, by number.
@@ -46,11 +49,11 @@ public:
 private:
     static void on_root_changed(GFileMonitor* monitor, GFile* file, GFile* other, GFileMonitorEvent event,
                                 void* self);
-    static std::string attach(const std::string& directory);
 
     std::function<void()> changed_;
     MediaConnection media_;
-    std::map<std::string, std::string> kept_;  ///< mount points of volumes, with the names of their drives
+    std::map<std::string, std::string> kept_;  ///< mount points of volumes, with the ids of their drives
+    bool leftovers_removed_ = false;
     std::unique_ptr<GFileMonitor, Release<g_object_unref>> monitor_;
 };
 

@@ -3,6 +3,7 @@
 #include <gio/gunixmounts.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace engine {
 
@@ -39,6 +40,12 @@ std::string mount_point_of(const std::string& device_file) {
 
 bool is_system_path(const std::string& mount_point) {
     return g_unix_is_mount_path_system_internal(mount_point.c_str()) != FALSE;
+}
+
+bool is_media_path(const std::string& mount_point) {
+    constexpr const char* kDirectories[] = {"/media/", "/run/media/"};
+    return std::any_of(std::begin(kDirectories), std::end(kDirectories),
+                       [&](const char* directory) { return mount_point.rfind(directory, 0) == 0; });
 }
 
 Mount mount_of(const std::string& directory) {

@@ -22,6 +22,9 @@ std::string mount_point_of(const std::string& device_file);
 /// Whether what is mounted there is a part of the system itself, such as "/" and "/boot".
 bool is_system_path(const std::string& mount_point);
 
+/// Whether it lies where systems mount what people plug in, and nothing else.
+bool is_media_path(const std::string& mount_point);
+
 /// Whether a path is the directory or lies below it. Both are absolute and without a slash at the end.
 bool is_within(const std::string& path, const std::string& directory);
 

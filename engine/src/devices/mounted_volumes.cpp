@@ -8,17 +8,6 @@
 
 namespace engine {
 
-namespace {
-
-/// Where systems mount what people plug in, and nothing else.
-bool is_below_media(const std::string& mount_point) {
-    constexpr const char* kDirectories[] = {"/media/", "/run/media/"};
-    return std::any_of(std::begin(kDirectories), std::end(kDirectories),
-                       [&](const char* directory) { return mount_point.rfind(directory, 0) == 0; });
-}
-
-}  // namespace
-
 MountedVolumes::MountedVolumes(const UdevDevices& udev, std::function<void()> changed)
     : udev_(udev), changed_(std::move(changed)), monitor_(g_unix_mount_monitor_get()) {
     g_signal_connect(monitor_.get(), "mounts-changed", G_CALLBACK(&MountedVolumes::on_mounts_changed), this);
@@ -36,7 +25,7 @@ Volumes MountedVolumes::volumes() const {
     Volumes volumes;
     for (const Mount& mount : mount_table()) {
         const bool plugged = !is_system_path(mount.point) &&
-                             (is_below_media(mount.point) || udev_.is_removable(mount.device_file));
+                             (is_media_path(mount.point) || udev_.is_removable(mount.device_file));
         // The same device mounted at several places is one drive.
         const bool known = std::any_of(volumes.begin(), volumes.end(), [&](const Volume& volume) {
             return volume.mount_point == mount.point ||
