@@ -25,7 +25,8 @@ struct _stQRAResultListHeader {
     int32_t nTotalSize;  ///< bytes of the whole object, which is the length that is mapped
 };
 
-/// An entry of a group table: the group's first and last index.
+/// An entry of a group table: the group's first and last index, which is one below the first in an empty
+/// group.
 struct _stQRAGroupEntry {
     int32_t nFirstIndex;
     int32_t nLastIndex;

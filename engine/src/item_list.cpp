@@ -68,9 +68,8 @@ std::vector<_stQRAGroupEntry> ItemList::groups() const {
     std::vector<_stQRAGroupEntry> groups;
     size_t first = 0;
     for (const size_t count : {folder_count(), medium_count()}) {
-        if (count != 0) {
-            groups.push_back({static_cast<int32_t>(first), static_cast<int32_t>(first + count - 1)});
-        }
+        // Of an empty group the last index is one below the first.
+        groups.push_back({static_cast<int32_t>(first), static_cast<int32_t>(first + count) - 1});
         first += count;
     }
     return groups;

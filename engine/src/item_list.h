@@ -54,7 +54,8 @@ public:
     void tell_total();
 
     std::string_view text(size_t index) const;
-    /// Folders and media, whichever there are, each as a pair of first and last index.
+    /// Folders, then media, each as a pair of first and last index: clients know them by their places, so
+    /// that one without items is there too, with its last index one below its first.
     std::vector<_stQRAGroupEntry> groups() const;
 
     /// Calls `progress` at each item, at the end and at a failure, until the owner is removed. It must not

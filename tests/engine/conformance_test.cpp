@@ -111,11 +111,12 @@ TEST_F(EngineConformance, HandsTheRequestToTheService) {
     EXPECT_EQ("/music/audioCATEGORY-TITLEword", json_of(section.texts.at(0))["QUERY"].asString());
 }
 
-TEST_F(EngineConformance, LeavesOutAGroupWithoutItems) {
+TEST_F(EngineConformance, KeepsThePlaceOfAGroupWithoutItems) {
     start();
-    const std::vector<std::pair<int, int>> all = {{0, 2}};
-    EXPECT_EQ(all, read_section(list_name(first_range(R"({"folders":3})"))).groups);
-    EXPECT_EQ(all, read_section(list_name(first_range(R"({"media":3})"))).groups);
+    const std::vector<std::pair<int, int>> folders_only = {{0, 2}, {3, 2}};
+    const std::vector<std::pair<int, int>> media_only = {{0, -1}, {0, 2}};
+    EXPECT_EQ(folders_only, read_section(list_name(first_range(R"({"folders":3})"))).groups);
+    EXPECT_EQ(media_only, read_section(list_name(first_range(R"({"media":3})"))).groups);
 }
 
 TEST_F(EngineConformance, ServesTheWholeListForALastIndexOfMinusOne) {

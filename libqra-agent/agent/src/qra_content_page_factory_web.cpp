@@ -126,10 +126,11 @@ void CQRAContentPageFactory::m_AddPoolGroup(CQRAAgentHandle* pHandle, int nGroup
         m_AddRange(pHandle, nBegin, nEnd);
 }
 
-// The range comes from the engine: one that does not lie in its list is not laid out.
+// The range comes from the engine: one that does not lie in its list is not laid out, nor is that of a group
+// without items.
 void CQRAContentPageFactory::m_AddRange(CQRAAgentHandle* pHandle, int nBegin, int nEnd) {
     if (nBegin >= 0 && nBegin <= nEnd && nEnd <= std::max(0, TotalOf(*pHandle->GetResultPool()) - 1))
         pHandle->GetContentPage()->AddContentsItem(nBegin, nEnd - nBegin + 1);
-    else
+    else if (nBegin < 0 || nEnd != nBegin - 1)
         QRA_LOG_WARNING(QRA_TAG_WEB, "Invalid range[%d, %d].", nBegin, nEnd);
 }

@@ -78,6 +78,25 @@ INSTANTIATE_TEST_SUITE_P(
                     WebRow{"Nothing", "Other", 0x00, -1, ""}),
     [](const auto& info) { return info.param.name; });
 
+TEST_F(WebBuild, AGroupWithoutItemsIsAnEmptyRun) {
+    ResultListObject list;
+    list.total_count = 10;
+    list.items.assign(10, {0, 0});
+    handle_.SetSourceName("CloudSource");
+    const LogCapture log;
+
+    list.groups = {{0, -1}, {0, 9}};
+    push(list);
+    ASSERT_EQ(build(0x04), QRA_ERROR_NONE);
+    EXPECT_EQ(page(), "contents 0+10");
+
+    list.groups = {{0, 9}, {10, 9}};
+    push(list);
+    ASSERT_EQ(build(0x04), QRA_ERROR_NONE);
+    EXPECT_EQ(page(), "");
+    EXPECT_FALSE(log.contains("Invalid range"));
+}
+
 TEST_F(WebBuild, OtherSourcesKnowNoFolders) {
     handle_.SetSourceName("Other");
 
