@@ -1,16 +1,22 @@
 #include "engine/plugins/support/item_text.h"
 
+#include <glib.h>
 #include <qra/qra_types.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 #include <string_view>
+
+#include "engine/src/glib_ptr.h"
 
 namespace engine {
 
 namespace {
+
+using CharPtr = std::unique_ptr<char, Release<g_free>>;
 
 /// Clients read times as numbers of 32 bits.
 uint64_t narrow_time(int64_t seconds) {
@@ -24,7 +30,12 @@ public:
 
     void add(std::string_view name, const std::string& value) {
         add_name(name);
-        writer_.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
+        if (g_utf8_validate_len(value.data(), value.size(), nullptr)) {
+            add_text(value);
+        } else {
+            // A long text may have been cut within a character; the writer would leave it without an end.
+            add_text(CharPtr(g_utf8_make_valid(value.data(), static_cast<gssize>(value.size()))).get());
+        }
     }
     void add(std::string_view name, uint64_t value) {
         add_name(name);
@@ -37,6 +48,9 @@ public:
     }
 
 private:
+    void add_text(std::string_view text) {
+        writer_.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+    }
     void add_name(std::string_view name) {
         writer_.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
     }

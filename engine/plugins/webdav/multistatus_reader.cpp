@@ -28,6 +28,11 @@ std::string_view trimmed(std::string_view text) {
                                            : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
+bool has_name(const std::vector<std::pair<std::string, std::string>>& properties, const std::string& name) {
+    return std::any_of(properties.begin(), properties.end(),
+                       [&name](const auto& property) { return property.first == name; });
+}
+
 /// A property of the table below.
 struct Property {
     std::string_view space;
@@ -186,7 +191,7 @@ void MultistatusReader::close_propstat() {
                          [&](const Property& row) { return row.name == plain && row.space == space; });
         if (known != std::end(kProperties)) {
             known->set(entry_, value);
-        } else if (keep_all_ && entry_.others.size() < kMostProperties) {
+        } else if (keep_all_ && entry_.others.size() < kMostProperties && !has_name(entry_.others, name)) {
             entry_.others.emplace_back(std::move(name), std::move(value));
         }
     }

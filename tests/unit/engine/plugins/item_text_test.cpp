@@ -30,6 +30,18 @@ TEST(ItemText, AFolderHasNoSizeAndNoType) {
                                "\n");
 }
 
+TEST(ItemText, IsWholeAlsoWithATextThatIsCutWithinACharacter) {
+    Item item;
+    item.media_type = 1;
+    item.title = "a\xc3";
+    item.url = "b";
+    item.details = {{"MORE", "\xe2\x82"}};
+
+    EXPECT_EQ(item_text(item), R"({"DISPLAY_NAME":"","ID_QRA":"","MEDIA_TYPE":1,"MODIFIED_TIME":0,)"
+                               R"("THUMBNAIL_PATH":"","TITLE":"a\uFFFD","URL":"b","MORE":"\uFFFD\uFFFD"})"
+                               "\n");
+}
+
 TEST(ItemText, TimesFitTheNumbersOfClients) {
     Item item;
     item.media_type = 1;

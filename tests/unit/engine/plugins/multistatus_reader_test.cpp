@@ -113,6 +113,17 @@ TEST(MultistatusReader, KeepsFurtherPropertiesIfAsked) {
     EXPECT_EQ(entries[0].others[0].second, "5");
 }
 
+TEST(MultistatusReader, KeepsTheFirstOfAFurtherPropertyThatComesTwice) {
+    const std::string rating = "<x:rating xmlns:x=\"urn:x\">";
+    const std::string twice =
+        propstat(rating + "5</x:rating>" + rating + "6</x:rating>") + propstat(rating + "7</x:rating>");
+
+    const auto entries = entries_of(response(twice), true);
+
+    ASSERT_EQ(entries.at(0).others.size(), 1U);
+    EXPECT_EQ(entries[0].others[0].second, "5");
+}
+
 TEST(MultistatusReader, RefusesOtherDocuments) {
     for (const char* other : {"<html/>", "<multistatus/>", R"(<m xmlns="DAV:"/>)"}) {
         MultistatusReader reader([](WebDavEntry&) { ADD_FAILURE(); });
