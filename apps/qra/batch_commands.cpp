@@ -181,8 +181,9 @@ private:
 };
 
 std::string copy_refusal(const JobItem& item, const std::string& directory, const TargetLimits& limits) {
-    for (const std::string& reason : {target_refusal(item, directory), source_refusal(item),
-                                      limit_refusal(item, limits), companion_refusal(item, directory)}) {
+    for (const std::string& reason :
+         {target_refusal(item, directory), source_refusal(item), limit_refusal(item, limits),
+          collision_refusal(item, directory, limits)}) {
         if (!reason.empty()) {
             return reason;
         }

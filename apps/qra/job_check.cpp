@@ -113,18 +113,23 @@ bool is_there(const std::string& path) {
     return stat(path.c_str(), &status) == 0;
 }
 
-/// What a copy and its companions are called in a folder, without an extension: numbered where its name is
+/// Where a copy would lie in a folder: under a numbered name where its own is taken; empty where all are
 /// taken.
-std::string stem_of_copy(const JobItem& item, const std::string& folder) {
+std::string path_of_copy(const JobItem& item, const std::string& folder) {
     const std::string path = folder + "/" + name_of_copy(item.name);
+    if (!is_there(path)) {
+        return path;
+    }
     const std::string stem = stem_of(path);
-    std::string found = stem;
-    for (int n = 1; n <= kNumberedNames && is_there(found + path.substr(stem.size())); ++n) {
+    for (int n = 1; n <= kNumberedNames; ++n) {
         std::array<char, 16> number;
         std::snprintf(number.data(), number.size(), "_%03d", n);
-        found = stem + number.data();
+        const std::string numbered = stem + number.data() + path.substr(stem.size());
+        if (!is_there(numbered)) {
+            return numbered;
+        }
     }
-    return found;
+    return "";
 }
 
 /// A job passes over a recording in progress, or ends at it; and it ends at one that nobody knows.
@@ -254,15 +259,22 @@ std::string target_refusal(const JobItem& item, const std::string& directory) {
     return "cannot be written to " + printable_text(place) + ": " + error_text(errno);
 }
 
-std::string companion_refusal(const JobItem& item, const std::string& directory) {
+std::string collision_refusal(const JobItem& item, const std::string& directory, const TargetLimits& limits) {
     const Kind* kind = kind_of(item.media_type);
-    if (kind == nullptr || kind->companions.empty()) {
+    if (kind == nullptr) {
         return "";
     }
-    const std::string stem = stem_of_copy(item, directory + "/" + kind->copy_folder);
+    const std::string path = path_of_copy(item, directory + "/" + kind->copy_folder);
+    if (path.empty()) {
+        return "has a name that is taken on the target, with all numbers";
+    }
+    if (limits.longest_name != 0 && path.size() - path.rfind('/') - 1 > limits.longest_name) {
+        return "has a name that is taken on the target, and too long for a number";
+    }
     for (const char* extension : kind->companions) {
-        if (is_there(stem_of(item.path) + extension) && is_there(stem + extension)) {
-            return "has a companion that would replace " + printable_text(stem + extension);
+        const std::string companion = stem_of(path) + extension;
+        if (is_there(stem_of(item.path) + extension) && is_there(companion)) {
+            return "has a companion that would replace " + printable_text(companion);
         }
     }
     return "";

@@ -43,8 +43,9 @@ std::string limit_refusal(const JobItem& item, const TargetLimits& limits);
 /// Why nothing can be written where a copy would put a file.
 std::string target_refusal(const JobItem& item, const std::string& directory);
 
-/// Why a copy would cost a file that is there already. Only main files are given names of their own.
-std::string companion_refusal(const JobItem& item, const std::string& directory);
+/// Why a copy has no place beside what is there already: no name is left for it, or a companion, which is not
+/// given a name of its own, would replace a file.
+std::string collision_refusal(const JobItem& item, const std::string& directory, const TargetLimits& limits);
 
 /// Why a file cannot be removed, or is a recording that a job does not delete.
 std::string removal_refusal(const JobItem& item);

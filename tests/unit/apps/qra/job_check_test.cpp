@@ -141,21 +141,47 @@ TEST_F(JobCheck, CompanionReplacesNoFile) {
     JobItem film = item("film.mkv");
     film.media_type = QRA_MEDIA_TYPE_VIDEO;
     directory_.write("film.srt", "subtitles of film.mkv");
-    EXPECT_EQ(companion_refusal(film, directory_.path()), "");
+    EXPECT_EQ(collision_refusal(film, directory_.path(), TargetLimits()), "");
 
     std::filesystem::create_directory(directory_.path("VIDEO"));
     directory_.write("VIDEO/film.avi", "another film");
-    EXPECT_EQ(companion_refusal(film, directory_.path()), "");
+    EXPECT_EQ(collision_refusal(film, directory_.path(), TargetLimits()), "");
     directory_.write("VIDEO/film.srt", "subtitles of film.avi");
-    EXPECT_THAT(companion_refusal(film, directory_.path()), HasSubstr("VIDEO/film.srt"));
+    EXPECT_THAT(collision_refusal(film, directory_.path(), TargetLimits()), HasSubstr("VIDEO/film.srt"));
 
     directory_.write("VIDEO/film.mkv", "the copy will be numbered");
-    EXPECT_EQ(companion_refusal(film, directory_.path()), "");
+    EXPECT_EQ(collision_refusal(film, directory_.path(), TargetLimits()), "");
     directory_.write("VIDEO/film_001.srt", "of nothing");
-    EXPECT_THAT(companion_refusal(film, directory_.path()), HasSubstr("VIDEO/film_001.srt"));
+    EXPECT_THAT(collision_refusal(film, directory_.path(), TargetLimits()), HasSubstr("VIDEO/film_001.srt"));
 
     film.media_type = QRA_MEDIA_TYPE_IMAGE;
-    EXPECT_EQ(companion_refusal(film, directory_.path()), "");
+    EXPECT_EQ(collision_refusal(film, directory_.path(), TargetLimits()), "");
+}
+
+TEST_F(JobCheck, NameThatIsTakenWithAllItsNumbersIsRefused) {
+    std::filesystem::create_directory(directory_.path("PHOTO"));
+    const JobItem picture = item_named("a.jpg");
+    directory_.write("PHOTO/a.jpg", "");
+    for (int n = 1; n <= 98; ++n) {
+        directory_.write("PHOTO/a_0" + std::string(n < 10 ? "0" : "") + std::to_string(n) + ".jpg", "");
+    }
+    EXPECT_EQ(collision_refusal(picture, directory_.path(), TargetLimits()), "");
+    directory_.write("PHOTO/a_099.jpg", "");
+    EXPECT_THAT(collision_refusal(picture, directory_.path(), TargetLimits()), HasSubstr("all numbers"));
+}
+
+TEST_F(JobCheck, NameThatIsTakenAndTooLongForANumberIsRefused) {
+    std::filesystem::create_directory(directory_.path("PHOTO"));
+    TargetLimits limits;
+    limits.longest_name = 255;
+    const JobItem longest = item_named(std::string(251, 'x') + ".jpg");
+    EXPECT_EQ(collision_refusal(longest, directory_.path(), limits), "");
+    directory_.write("PHOTO/" + longest.name, "");
+    EXPECT_THAT(collision_refusal(longest, directory_.path(), limits), HasSubstr("too long for a number"));
+
+    const JobItem shorter = item_named(std::string(247, 'x') + ".jpg");
+    directory_.write("PHOTO/" + shorter.name, "");
+    EXPECT_EQ(collision_refusal(shorter, directory_.path(), limits), "");
 }
 
 TEST_F(JobCheck, FatHoldsNoFileOfFourGibibytes) {
