@@ -115,8 +115,8 @@ TEST_F(SectionWriterTest, GivesTheSameTextsBackForAnyNumbersAndSizes) {
     for (int round = 0; round < 60; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
         Texts list;
-        const size_t count = 1 + random() % 300;
         const size_t largest = sizes[random() % std::size(sizes)];
+        const size_t count = 1 + random() % (largest <= 1000 ? 600 : 150);
         for (size_t i = 0; i < count; ++i) {
             list.texts.emplace_back(random() % 4 == 0 ? largest : random() % (largest + 1),
                                     static_cast<char>('a' + i % 26));
@@ -137,6 +137,13 @@ TEST_F(SectionWriterTest, GivesTheSameTextsBackForAnyNumbersAndSizes) {
         expect_same(list, first, last, reader);
         expect_blocks(list, first, last, reader);
     }
+}
+
+TEST_F(SectionWriterTest, WritesAnOrdinarySectionAsOneBlock) {
+    Texts list;
+    list.texts.assign(200, std::string(600, 'x'));
+    const Section section = write(list.section(0, 199));
+    EXPECT_EQ(2U, section.object_count());
 }
 
 TEST_F(SectionWriterTest, GivesALongTextABlockOfItsOwn) {
