@@ -57,17 +57,19 @@ bool CShmObject::Holds(int64_t nOffset, int64_t nCount, int64_t nEntrySize) cons
 }
 
 bool CShmObject::Read(int64_t nOffset, void* pOut, size_t nLength) const {
-    if (!m_IsReadable(nOffset, static_cast<int64_t>(nLength)))
-        return false;
-    memcpy(pOut, m_pAddr + nOffset, nLength);
-    return true;
+    if (Holds(nOffset, static_cast<int64_t>(nLength), 1) &&
+        CShmWindows::OfThisThread().Read(m_nObject, m_nShmId, nOffset, pOut, nLength))
+        return true;
+    m_LogRefusal(nOffset, static_cast<int64_t>(nLength));
+    return false;
 }
 
 bool CShmObject::ReadText(int64_t nOffset, int64_t nLength, std::string& strOut) const {
-    if (!m_IsReadable(nOffset, nLength))
-        return false;
-    strOut.assign(m_pAddr + nOffset, static_cast<size_t>(nLength));
-    return true;
+    if (Holds(nOffset, nLength, 1) && CShmWindows::OfThisThread().ReadText(
+                                          m_nObject, m_nShmId, nOffset, static_cast<size_t>(nLength), strOut))
+        return true;
+    m_LogRefusal(nOffset, nLength);
+    return false;
 }
 
 off_t CShmObject::m_RealSize() const {
@@ -75,10 +77,7 @@ off_t CShmObject::m_RealSize() const {
     return fstat(m_nShmId, &info) == 0 ? info.st_size : 0;
 }
 
-bool CShmObject::m_IsReadable(int64_t nOffset, int64_t nLength) const {
-    if (Holds(nOffset, nLength, 1) && nOffset + nLength <= m_RealSize())
-        return true;
+void CShmObject::m_LogRefusal(int64_t nOffset, int64_t nLength) const {
     QRA_LOG_WARNING(QRA_TAG_CACHE, "%lld bytes at %lld do not lie in the object[%s].",
                     static_cast<long long>(nLength), static_cast<long long>(nOffset), m_strShmName.c_str());
-    return false;
 }

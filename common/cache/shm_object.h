@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <string>
 
+#include "common/cache/shm_window.h"
+
 /// What becomes of an object that no sound writer leaves behind: one with a trusted writer is a broken
 /// invariant and ends the process, one with another writer is logged and answers neutrally.
 enum class EQRAWriter { Trusted, Untrusted };
@@ -16,10 +18,10 @@ enum class EQRAWriter { Trusted, Untrusted };
  * A POSIX shared memory object that another process wrote, mapped for reading.
  *
  * The writer is another process, so nothing in the object is believed: Map() takes a length only if the
- * object is really that long, and every read is checked against that length. Each read also asks the object's
- * size again, since a writer that shortens the object would leave pages behind it whose touch ends the
- * process; only a shortening in the instant between question and read goes unseen. What is read is copied, so
- * that a value that was checked is the value that is used.
+ * object is really that long, and every read is checked against that length. Reads go through the descriptor,
+ * a piece at a time: a writer that shortens the object leaves pages in the mapping whose touch would end the
+ * process, and makes a read fail. What is read is copied, so that a value that was checked is the value that
+ * is used.
  *
  * The object is never unlinked here. No locks: an object is used by one thread at a time.
  */
@@ -54,10 +56,11 @@ public:
 
 private:
     off_t m_RealSize() const;
-    bool m_IsReadable(int64_t nOffset, int64_t nLength) const;
+    void m_LogRefusal(int64_t nOffset, int64_t nLength) const;
 
     const std::string m_strShmName;
     const EQRAWriter m_eWriter;
+    const uint64_t m_nObject = CShmWindows::NewObjectNumber();
     int m_nShmId = -1;
     FILE* m_pStream = nullptr;  ///< over m_nShmId, which it owns
     const char* m_pAddr = nullptr;

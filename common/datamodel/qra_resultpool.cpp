@@ -244,12 +244,12 @@ const CResultPool::Cursor* CResultPool::GetCursor() {
     const int nIndex = m_InternalCursor.nIndex;
     if (nIndex == -1) {
         QRA_LOG_INFO(QRA_TAG_CACHE, "m_InternalCursor is invalid.");
-        m_Cursor = Cursor();
+        m_Cursor.Clear();
         return &m_Cursor;
     }
     if (nIndex == m_Cursor.nListIndex)
         return &m_Cursor;
-    m_Cursor = Cursor();
+    m_Cursor.Clear();
     m_Cursor.nListIndex = nIndex;
     // A reset puts the cursor on the start of a list that may hold no item.
     CResultList* pList = m_InternalCursor.pCurrentList;

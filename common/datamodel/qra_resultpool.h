@@ -50,6 +50,14 @@ public:
         std::string strItem;       ///< the item's text
         std::string strBlockName;  ///< shared memory name of its block, NUL-padded
         int nBlockItem = -1;       ///< its number in that block
+
+        /// Back to none. The texts keep their memory, for the next item.
+        void Clear() {
+            nListIndex = -1;
+            strItem.clear();
+            strBlockName.clear();
+            nBlockItem = -1;
+        }
     };
 
     /// The window is five times `nWindowSize` items wide; a section has `nPrefetchNum` items. With either

@@ -5,6 +5,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <memory>
+#include <string>
+#include <vector>
+
 #include "tests/fakes/dlog_capture.h"
 #include "tests/fakes/result_objects.h"
 
@@ -86,6 +90,45 @@ TEST(CShmObject, AReadAfterTheWriterShortenedTheObjectFails) {
     std::string text;
     EXPECT_TRUE(object.ReadText(0, 4096, text));
     EXPECT_FALSE(object.ReadText(4096, 1, text));
+}
+
+TEST(CShmObject, ReadsTheSameWhereverPiecesOfItBeginAndEnd) {
+    std::string bytes(5 * 4096 + 17, '\0');
+    for (size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<char>(i * 31 + i / 256);
+    const ShmFile file(bytes);
+    CShmObject object(file.name());
+    char header[1];
+    ASSERT_TRUE(object.Open(header, sizeof(header)));
+    ASSERT_TRUE(object.Map(static_cast<int32_t>(bytes.size())));
+
+    for (const int64_t length : {0, 1, 4095, 4096, 4097, 8192, 8193, 20000}) {
+        for (int64_t offset = 0; offset + length <= static_cast<int64_t>(bytes.size()); offset += 509) {
+            std::string text;
+            ASSERT_TRUE(object.ReadText(offset, length, text)) << length << " at " << offset;
+            ASSERT_EQ(text, bytes.substr(offset, length)) << length << " at " << offset;
+        }
+    }
+}
+
+TEST(CShmObject, ManyObjectsReadInTurnKeepTheirOwnBytes) {
+    std::vector<std::unique_ptr<ShmFile>> files;
+    std::vector<std::unique_ptr<CShmObject>> objects;
+    char header[1];
+    for (char letter = 'a'; letter <= 'j'; ++letter) {
+        files.push_back(std::make_unique<ShmFile>(std::string(100, letter)));
+        objects.push_back(std::make_unique<CShmObject>(files.back()->name()));
+        ASSERT_TRUE(objects.back()->Open(header, sizeof(header)));
+        ASSERT_TRUE(objects.back()->Map(100));
+    }
+
+    for (int round = 0; round < 3; ++round) {
+        for (size_t i = 0; i < objects.size(); ++i) {
+            std::string text;
+            ASSERT_TRUE(objects[i]->ReadText(10, 5, text));
+            EXPECT_EQ(text, std::string(5, static_cast<char>('a' + i)));
+        }
+    }
 }
 
 TEST(CShmObject, AnUnknownNameIsNotOpened) {
