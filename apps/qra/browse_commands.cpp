@@ -2,73 +2,25 @@
 #include <json/writer.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <string>
 #include <variant>
 
 #include "apps/qra/browsing.h"
 #include "apps/qra/command_line.h"
 #include "apps/qra/commands.h"
-#include "apps/qra/grid_view.h"
-#include "apps/qra/interrupt.h"
 #include "apps/qra/item_value.h"
+#include "apps/qra/list_output.h"
 #include "apps/qra/list_request.h"
 #include "apps/qra/output.h"
-#include "apps/qra/terminal.h"
 #include "apps/qra/terminal_text.h"
 #include "apps/qra/tile_reader.h"
 
 namespace {
 
-void check_interrupt() {
-    if (interrupt::requested()) {
-        throw CommandError(ExitStatus::RequestFailed, "interrupted");
-    }
-}
-
-struct TileRange {
-    int begin;
-    int end;
-};
-
-TileRange range_of(const CommandLine& line, int tile_count) {
-    const int begin = std::min(line.offset, tile_count);
-    const int rest = tile_count - begin;
-    return {begin, begin + (line.limit < 0 ? rest : std::min(line.limit, rest))};
-}
-
 void print_json_tiles(ListRequest& request, const TileRange& range) {
     for (int index = range.begin; index < range.end; ++index) {
         check_interrupt();
         print(request.item(index));
-    }
-}
-
-GridStyle grid_style(const ListOptions& options) {
-    GridStyle style;
-    style.rows = options.rows;
-    style.columns = options.columns;
-    style.order = page_order(options);
-    style.width = terminal_width(STDOUT_FILENO);
-    style.colour = wants_colour(STDOUT_FILENO);
-    style.unicode = locale_is_utf8();
-    return style;
-}
-
-void print_grid(ListRequest& request, const ListOptions& options, const TileRange& range) {
-    const GridView view(grid_style(options), range.end - 1);
-    const int size = view.page_size();
-    const int pages = (request.tile_count() + size - 1) / size;
-    for (int page = range.begin / size; page * size < range.end; ++page) {
-        check_interrupt();
-        std::vector<std::optional<Tile>> slots(static_cast<std::size_t>(size));
-        for (int index = std::max(range.begin, page * size); index < std::min(range.end, (page + 1) * size);
-             ++index) {
-            slots[static_cast<std::size_t>(index - page * size)] = read_tile(request, index);
-        }
-        print(pages == 1 ? "" : "page " + std::to_string(page + 1) + " of " + std::to_string(pages) + "\n\n");
-        print(view.page(page * size, slots));
-        flush_output();
     }
 }
 
@@ -102,13 +54,16 @@ void print_json_values(const CommandLine& line, const std::vector<ItemValue>& va
 void run_list(const CommandLine& line) {
     Browsing browsing(line);
     ListRequest& request = browsing.request();
-    const TileRange range = range_of(line, request.tile_count());
+    const TileRange range = tile_range(line, request.tile_count());
     if (line.json) {
         print_json_tiles(request, range);
         return;
     }
     print(printable_text(line.path) + "  " + summary(request) + "\n\n");
-    print_grid(request, line.list, range);
+    print_grid(line.list, range, request.tile_count(), [&request](int index) {
+        request.move_to(index);
+        return read_tile(request.handle());
+    });
 }
 
 void run_get(const CommandLine& line) {

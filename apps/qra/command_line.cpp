@@ -14,6 +14,10 @@ namespace {
 constexpr int kMostRowsOrColumns = 1000;
 constexpr int kLongestTimeout = 86400;
 
+/// What a page shows.
+constexpr int kMedia = 0x04;
+constexpr int kFoldersAndMedia = 0x06;
+
 /// The built-in lists of the library, and what cameras and phones make today besides.
 constexpr const char* kExtensions =
     R"({"param_media_extension_image":["jpg","jpeg","jpe","jfif","mpo","bmp","png","gif","webp","heic","heif","hif",)"
@@ -122,8 +126,6 @@ void add_device_commands(CLI::App& app, CommandLine& line) {
 
 void add_request_options(CLI::App& command, CommandLine& line) {
     ListOptions& list = line.list;
-    command.add_option("PATH", line.path, "The folder; one that lies on no drive is attached first")
-        ->required();
     command.add_option("--source", list.source, "Source of the list")->capture_default_str();
     command.add_option("--content", list.content_type, "Content type")->capture_default_str();
     command.add_option("--sort", list.sort_category, "Sort category")->capture_default_str();
@@ -154,15 +156,63 @@ void add_request_options(CLI::App& command, CommandLine& line) {
     command.footer(std::string(kViews) + kFooter);
 }
 
-void add_browse_commands(CLI::App& app, CommandLine& line) {
+void add_path(CLI::App& command, CommandLine& line) {
+    command.add_option("PATH", line.path, "The folder; one that lies on no drive is attached first")
+        ->required();
+}
+
+/// A list of the content engine shows all that its account has in the folder, in the order that the service
+/// gives unless the user asks for another one.
+void check_remote_list(const CLI::App& command, CommandLine& line) {
+    if (line.account.name.empty()) {
+        throw CLI::RequiredError("--plugin");
+    }
+    for (const char* option : {"--mask", "--group", "--extension", "--uhd", "--no-scan"}) {
+        if (command.count(option) > 0) {
+            throw CLI::ValidationError(option, "not for lists of the content engine");
+        }
+    }
+    if (command.count("--sort") == 0) {
+        line.list.sort_category.clear();
+    }
+    // Other sources than this one have no folders of their own kind on a page.
+    line.list.mask = line.list.source == "CloudSource" ? kFoldersAndMedia : kMedia;
+}
+
+void check_local_list(const CLI::App& command) {
+    if (command.count("PATH") == 0) {
+        throw CLI::RequiredError("PATH");
+    }
+    for (const char* option : {"--plugin", "--timeout"}) {
+        if (command.count(option) > 0) {
+            throw CLI::ValidationError(option, "only for lists of the content engine");
+        }
+    }
+}
+
+void add_list_command(CLI::App& app, CommandLine& line) {
     CLI::App* list = app.add_subcommand("list", "Show a folder as pages of tiles");
+    list->add_option("PATH", line.path,
+                     "The folder; one that lies on no drive is attached first. In an account: the ID_QRA of "
+                     "a folder, without it the account's top");
     add_request_options(*list, line);
+    list->add_option("--plugin", line.account.name, "The account, for --source CloudSource");
+    list->add_option("--timeout", line.cloud_timeout, "Seconds to wait for each part of an account's list")
+        ->check(CLI::Range(1, kLongestTimeout))
+        ->capture_default_str();
     list->add_option("--offset", line.offset, "First tile to show")->check(CLI::Range(0, INT_MAX));
     list->add_option("--limit", line.limit, "Most tiles to show")->check(CLI::Range(0, INT_MAX));
     list->add_flag("--json", line.json, "One JSON object for each tile, one on a line, in list order");
-    list->callback([&line] { line.command = run_list; });
+    list->callback([&line, list] {
+        const bool local = is_source_of_this_machine(line.list.source);
+        local ? check_local_list(*list) : check_remote_list(*list, line);
+        line.command = local ? run_list : run_remote_list;
+    });
+}
 
+void add_get_command(CLI::App& app, CommandLine& line) {
     CLI::App* get = app.add_subcommand("get", "Print values of one tile, one on a line");
+    add_path(*get, line);
     add_request_options(*get, line);
     get->add_option("INDEX", line.index, "List index of the tile")->required();
     get->add_option("FIELD", line.fields, "Names such as TITLE, FILE_PATH, WIDTH")->required();
@@ -178,6 +228,7 @@ constexpr const char* kChoices =
     "The other options choose the list, as for `qra list`.\n\n";
 
 void add_job_options(CLI::App& command, CommandLine& line) {
+    add_path(command, line);
     add_request_options(command, line);
     const auto add_choices = [&line](const std::string& text) {
         try {
@@ -331,7 +382,8 @@ std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine&
     app.footer(kFooter);
     add_drive_commands(app, command_line);
     add_device_commands(app, command_line);
-    add_browse_commands(app, command_line);
+    add_list_command(app, command_line);
+    add_get_command(app, command_line);
     add_job_commands(app, command_line);
     add_account_commands(app, command_line);
     add_playlist_commands(app, command_line);

@@ -54,7 +54,7 @@ struct PlaylistOptions {
 /// What the user asked for. Each command uses the fields that its options fill.
 struct CommandLine {
     Command command = nullptr;
-    std::string path;        ///< attach, scan, list, get, copy, delete, check-device, thumbs
+    std::string path;  ///< attach, scan, list, get, copy, delete, check-device, thumbs; list: a container
     std::string drive_name;  ///< attach --as, detach
     bool recursive = false;
     bool json = false;
@@ -64,7 +64,8 @@ struct CommandLine {
     int limit = -1;  ///< negative: all
     int index = 0;
     std::vector<std::string> fields;
-    AccountOptions account;
+    AccountOptions account;  ///< of list the name alone
+    int cloud_timeout = 30;  ///< lists of the engine: seconds
     JobOptions job;
     DeviceOptions devices;
     PlaylistOptions playlist;

@@ -13,6 +13,7 @@ void run_devices(const CommandLine& line);
 void run_check_device(const CommandLine& line);
 void run_thumbs(const CommandLine& line);
 void run_list(const CommandLine& line);
+void run_remote_list(const CommandLine& line);
 void run_get(const CommandLine& line);
 void run_copy(const CommandLine& line);
 void run_delete(const CommandLine& line);

@@ -4,10 +4,12 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <initializer_list>
 #include <memory>
 #include <system_error>
 
@@ -17,7 +19,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kEngineName = "com.morva.qra.engine";
 constexpr const char* kEngineFile = "qra-content-engine";
 constexpr const char* kAddressVariable = "DBUS_SYSTEM_BUS_ADDRESS";
 constexpr int kBusTimeoutMs = 2000;
@@ -63,8 +64,8 @@ bool bus_lists_engine(GDBusConnection* bus, const char* method) {
     return g_strv_contains(names, kEngineName) != FALSE;
 }
 
-/// True when the engine runs on the system bus or is started there on demand.
-bool system_bus_has_engine() {
+/// Whether one of the bus daemon's lists of names has the engine's.
+bool system_bus_lists_engine(std::initializer_list<const char*> methods) {
     const OwnedText address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr), &g_free);
     if (!address) {
         return false;
@@ -78,8 +79,9 @@ bool system_bus_has_engine() {
     if (!bus) {
         return false;
     }
-    const bool found =
-        bus_lists_engine(bus.get(), "ListNames") || bus_lists_engine(bus.get(), "ListActivatableNames");
+    const bool found = std::any_of(methods.begin(), methods.end(), [&bus](const char* method) {
+        return bus_lists_engine(bus.get(), method);
+    });
     g_dbus_connection_close_sync(bus.get(), nullptr, nullptr);
     return found;
 }
@@ -139,8 +141,12 @@ std::string read_address(GSubprocess* daemon) {
 
 }  // namespace
 
+bool engine_runs() {
+    return system_bus_lists_engine({"ListNames"});
+}
+
 EngineAccess::EngineAccess() {
-    if (system_bus_has_engine()) {
+    if (system_bus_lists_engine({"ListNames", "ListActivatableNames"})) {
         return;
     }
     const std::string engine = find_engine();

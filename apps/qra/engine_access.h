@@ -5,6 +5,12 @@
 
 #include <string>
 
+/// The engine's name on the bus.
+inline constexpr const char* kEngineName = "com.morva.qra.engine";
+
+/// Whether the engine has its name on the system bus at this moment.
+bool engine_runs();
+
 /// Sees to it that no list request waits long for an engine that is not there: the library waits up to 40
 /// seconds for one wherever there is a system bus, but not at all where there is none.
 ///

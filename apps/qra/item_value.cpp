@@ -45,7 +45,11 @@ std::optional<ItemValue> unsigned_value(qra_agent_handler_h list, const char* fi
 std::optional<ItemValue> time_value(qra_agent_handler_h list, const char* field) {
     constexpr time_t kAbsent = std::numeric_limits<time_t>::min();
     time_t time = kAbsent;
-    if (qra_get_item_value_time_v2(list, field, &time) != QRA_ERROR_NONE || time == kAbsent) {
+    if (qra_get_item_value_time_v2(list, field, &time) != QRA_ERROR_NONE) {
+        // Lists of the content engine have times as plain numbers.
+        return unsigned_value(list, field);
+    }
+    if (time == kAbsent) {
         return std::nullopt;
     }
     return static_cast<long long>(time);

@@ -1,55 +1,39 @@
 #include "apps/qra/list_request.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
+#include <string_view>
 
 #include "apps/qra/exit_status.h"
 #include "apps/qra/interrupt.h"
 #include "apps/qra/request_error.h"
+#include "apps/qra/request_params.h"
 
 namespace {
 
 constexpr int kGroupHeaders = 0x08;
 
-using GeneralParam = std::unique_ptr<qra_general_s, decltype(&qra_destroy_general_param)>;
-using PageParam = std::unique_ptr<qra_page_style_s, decltype(&qra_destroy_page_param)>;
-
-using TextSetter = qra_error_code_e (*)(qra_general_param_h, const char*);
-
-GeneralParam general_param(const ListOptions& options, const std::string& path) {
-    qra_general_param_h raw = nullptr;
-    check("list", qra_create_general_param(&raw));
-    GeneralParam param(raw, &qra_destroy_general_param);
-    const std::pair<TextSetter, const std::string&> texts[] = {
+GeneralParam list_param(const ListOptions& options, const std::string& path) {
+    GeneralParam param = general_param({
         {qra_param_set_general_source, options.source},
         {qra_param_set_general_path, path},
         {qra_param_set_general_content_type, options.content_type},
         {qra_param_set_general_sort_category, options.sort_category},
         {qra_param_set_general_key_word, options.keyword},
         {qra_param_set_general_extension, options.extension},
-    };
-    for (const auto& [set, text] : texts) {
-        if (!text.empty()) {
-            check("list", set(raw, text.c_str()));
-        }
-    }
-    check("list", qra_param_set_general_is_uhd_meta(raw, options.uhd));
-    return param;
-}
-
-PageParam page_param(const ListOptions& options) {
-    qra_page_param_h raw = nullptr;
-    check("page style", qra_create_page_param(&raw));
-    PageParam param(raw, &qra_destroy_page_param);
-    check("page style", qra_param_set_page_style_mask(raw, options.mask));
-    check("page style", qra_param_set_page_style_order(raw, options.order));
-    check("page style", qra_param_set_page_style_group_index(raw, options.group));
-    check("page style", qra_param_set_page_style_row(raw, options.rows));
-    check("page style", qra_param_set_page_style_column(raw, options.columns));
+    });
+    check("list", qra_param_set_general_is_uhd_meta(param.get(), options.uhd));
     return param;
 }
 
 }  // namespace
+
+bool is_source_of_this_machine(const std::string& source) {
+    constexpr std::string_view kSources[] = {"SOURCE_MSC", "SOURCE_PTP", "SOURCE_DLNA", "SOURCE_PLAYLIST"};
+    return std::find(std::begin(kSources), std::end(kSources), source) != std::end(kSources);
+}
 
 ListRequest::ListRequest(const ListOptions& options, const std::string& path) {
     try {
@@ -71,7 +55,7 @@ ListRequest::~ListRequest() {
 }
 
 void ListRequest::send(const ListOptions& options, const std::string& path) {
-    const GeneralParam param = general_param(options, path);
+    const GeneralParam param = list_param(options, path);
     check("list request", qra_request_list_v2(param.get(), on_list_complete, this, &handle_));
 }
 

@@ -23,6 +23,9 @@ struct ListOptions {
     int columns = 9;
 };
 
+/// All other sources are the content engine's.
+bool is_source_of_this_machine(const std::string& source);
+
 /// One list request from its start to its disconnect, for the thread that makes it. The library's callback
 /// only stores the event and wakes that thread.
 class ListRequest {

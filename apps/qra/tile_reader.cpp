@@ -1,8 +1,6 @@
 #include "apps/qra/tile_reader.h"
 
-#include <algorithm>
 #include <ctime>
-#include <string_view>
 
 #include "apps/qra/item_value.h"
 #include "apps/qra/terminal_text.h"
@@ -118,9 +116,7 @@ constexpr Kind kKinds[] = {
 
 }  // namespace
 
-Tile read_tile(ListRequest& request, int index) {
-    request.move_to(index);
-    const qra_agent_handler_h list = request.handle();
+Tile read_tile(qra_agent_handler_h list) {
     Tile tile;
     tile.media_type = static_cast<int>(read_number(list, "MEDIA_TYPE"));
     for (const Kind& kind : kKinds) {
@@ -144,9 +140,5 @@ std::string summary(const ListRequest& request) {
 }
 
 qra_page_order_e page_order(const ListOptions& options) {
-    constexpr std::string_view kSourcesOfThisMachine[] = {"SOURCE_MSC", "SOURCE_PTP", "SOURCE_DLNA",
-                                                          "SOURCE_PLAYLIST"};
-    const bool local = std::find(std::begin(kSourcesOfThisMachine), std::end(kSourcesOfThisMachine),
-                                 options.source) != std::end(kSourcesOfThisMachine);
-    return local ? QRA_PAGE_ORDER_COLUMN : options.order;
+    return is_source_of_this_machine(options.source) ? QRA_PAGE_ORDER_COLUMN : options.order;
 }

@@ -6,8 +6,8 @@
 #include "apps/qra/grid_view.h"
 #include "apps/qra/list_request.h"
 
-/// Moves the cursor to the tile and reads what the grid shows of it, by its kind.
-Tile read_tile(ListRequest& request, int index);
+/// Reads what the grid shows of the tile at the cursor, by its kind.
+Tile read_tile(qra_agent_handler_h list);
 
 /// "3 folders, 12 pictures, 1 video" of the whole list.
 std::string summary(const ListRequest& request);

@@ -1,0 +1,124 @@
+#include "apps/qra/remote_list.h"
+
+#include <cstdlib>
+#include <memory>
+
+#include "apps/qra/exit_status.h"
+#include "apps/qra/output.h"
+#include "apps/qra/request_error.h"
+#include "apps/qra/request_params.h"
+#include "apps/qra/terminal_text.h"
+
+namespace {
+
+/// A grid of usual size has far fewer, so that it shows with the first section; and a large folder does not
+/// come in very many.
+constexpr int kItemsOfSection = 200;
+
+}  // namespace
+
+RemoteList::RemoteList(const ListOptions& options, const RemoteFolder& folder,
+                       std::chrono::seconds longest_wait)
+    : longest_wait_(longest_wait) {
+    try {
+        send(options, folder);
+        const Answer first = next_answer();
+        if (first.event == QRA_EVENT_LIST_SUCCESS) {
+            lay_out(options);
+        }
+    } catch (...) {
+        end();
+        throw;
+    }
+}
+
+RemoteList::~RemoteList() {
+    end();
+}
+
+void RemoteList::end() {
+    if (engine_watch_ != 0) {
+        g_bus_unwatch_name(engine_watch_);
+    }
+    qra_disconnect_v2(handle_);
+}
+
+void RemoteList::send(const ListOptions& options, const RemoteFolder& folder) {
+    const GeneralParam param = general_param({
+        {qra_param_set_general_source, options.source},
+        {qra_param_set_general_plugin, folder.plugin},
+        {qra_param_set_general_user_data, folder.container},
+        {qra_param_set_general_content_type, options.content_type},
+        {qra_param_set_general_sort_category, options.sort_category},
+        {qra_param_set_general_filter, options.keyword},
+    });
+    check("list request", qra_param_set_general_prefetch_num(param.get(), kItemsOfSection));
+    check("list request", qra_param_set_general_window_size(param.get(), kItemsOfSection));
+    const qra_error_code_e code = qra_request_list_v2(param.get(), on_list, this, &handle_);
+    if (code == QRA_ERROR_ENGINE && engine_runs()) {
+        throw CommandError(ExitStatus::RequestFailed, "the content engine does not take the account " +
+                                                          printable_text(folder.plugin) +
+                                                          "; `qra account list` shows yours");
+    }
+    check("list request", code);
+    engine_watch_ = g_bus_watch_name(G_BUS_TYPE_SYSTEM, kEngineName, G_BUS_NAME_WATCHER_FLAGS_NONE, nullptr,
+                                     on_engine_gone, this, nullptr);
+}
+
+void RemoteList::lay_out(const ListOptions& options) {
+    const PageParam style = page_param(options);
+    check("page style", qra_set_page_style_v2(handle_, style.get()));
+    check("item count", qra_get_item_count_v2(handle_, &count_));
+}
+
+bool RemoteList::on_list(void* list, CQRAAgentHandle*, qra_event_e event, int, const char* text) {
+    static_cast<RemoteList*>(list)->answers_.give({event, text != nullptr ? text : ""});
+    return true;
+}
+
+void RemoteList::on_engine_gone(GDBusConnection*, const char*, gpointer list) {
+    static_cast<RemoteList*>(list)->answers_.give({std::nullopt, ""});
+}
+
+RemoteList::Answer RemoteList::next_answer() {
+    Answer answer = answers_.next_within(longest_wait_);
+    if (!answer.event) {
+        throw CommandError(ExitStatus::ServiceMissing,
+                           "the content engine ended before its answer was complete");
+    }
+    if (answer.event == QRA_EVENT_LIST_FAILED) {
+        throw CommandError(ExitStatus::RequestFailed,
+                           answer.text.empty() ? "the list request failed" : printable_text(answer.text));
+    }
+    return answer;
+}
+
+void RemoteList::wait_for_section() {
+    flush_output();
+    next_answer();
+}
+
+template <typename Call>
+void RemoteList::once_arrived(int index, Call call) {
+    qra_error_code_e code = call();
+    while (code == QRA_ERROR_WRITE_FAILED) {
+        wait_for_section();
+        code = call();
+    }
+    check("item " + std::to_string(index), code);
+}
+
+std::string RemoteList::item(int index) {
+    char* text = nullptr;
+    once_arrived(index, [&] { return qra_get_item_v2(handle_, index, &text); });
+    const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
+    std::string line = text;
+    if (line.empty() || line.back() != '\n') {
+        line += '\n';
+    }
+    return line;
+}
+
+void RemoteList::move_to(int index) {
+    once_arrived(index, [&] { return qra_move_to_index_v2(handle_, index); });
+}
