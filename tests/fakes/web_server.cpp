@@ -118,3 +118,10 @@ void fall_silent(SoupServerMessage* message, unsigned status, const std::string&
     }
     // With a first piece the server waits by itself for the one that never comes.
 }
+
+void end_silence(SoupServerMessage* message, const std::string& rest) {
+    soup_message_body_append(soup_server_message_get_response_body(message), SOUP_MEMORY_COPY, rest.data(),
+                             rest.size());
+    soup_message_body_complete(soup_server_message_get_response_body(message));
+    soup_server_message_unpause(message);
+}

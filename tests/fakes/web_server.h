@@ -58,5 +58,7 @@ void reply_endlessly(SoupServerMessage* message, unsigned status, const std::str
                      const std::string& piece);
 /// Begins with `body`, if any, and says nothing more.
 void fall_silent(SoupServerMessage* message, unsigned status, const std::string& body);
+/// Says the rest after all.
+void end_silence(SoupServerMessage* message, const std::string& rest);
 
 #endif

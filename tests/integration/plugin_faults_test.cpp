@@ -10,6 +10,7 @@
 #include "tests/fakes/plugin_answers.h"
 #include "tests/fakes/temp_dir.h"
 #include "tests/fakes/web_server.h"
+#include "tests/fakes/webdav_answers.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -17,21 +18,6 @@ using testing::IsEmpty;
 using testing::Not;
 
 namespace {
-
-constexpr char kHead[] = R"(<?xml version="1.0"?><D:multistatus xmlns:D="DAV:">)";
-constexpr char kEnd[] = "</D:multistatus>";
-
-/// A part of an answer: one picture.
-std::string picture(const std::string& href) {
-    return "<D:response><D:href>" + href +
-           "</D:href><D:propstat><D:prop><D:resourcetype/><D:getcontenttype>image/jpeg</D:getcontenttype></"
-           "D:prop>"
-           "<D:status>HTTP/1.1 200 OK</D:status></D:propstat></D:response>";
-}
-
-std::string answer_of(const std::string& entries) {
-    return kHead + entries + kEnd;
-}
 
 engine::HttpLimits short_limits() {
     engine::HttpLimits limits;
@@ -101,7 +87,7 @@ TEST_F(Faults, AServerThatNeverAnswersIsGivenUp) {
 }
 
 TEST_F(Faults, AServerThatStopsInTheMiddleIsGivenUp) {
-    server_.on("/dav/", [](SoupServerMessage* message) { fall_silent(message, 207, kHead); });
+    server_.on("/dav/", [](SoupServerMessage* message) { fall_silent(message, 207, kWebDavHead); });
 
     EXPECT_THAT(failure(short_limits()), HasSubstr("did not answer in time"));
 }
@@ -109,7 +95,7 @@ TEST_F(Faults, AServerThatStopsInTheMiddleIsGivenUp) {
 TEST_F(Faults, AnAnswerWithoutAnEndIsGivenUpByItsLength) {
     const std::string piece(100'000, ' ');
     server_.on("/dav/",
-               [&piece](SoupServerMessage* message) { reply_endlessly(message, 207, kHead, piece); });
+               [&piece](SoupServerMessage* message) { reply_endlessly(message, 207, kWebDavHead, piece); });
     engine::HttpLimits limits;
     limits.bytes = 1 << 20;
 
@@ -118,7 +104,7 @@ TEST_F(Faults, AnAnswerWithoutAnEndIsGivenUpByItsLength) {
 
 TEST_F(Faults, AnAnswerThatTricklesIsGivenUpByItsTime) {
     server_.on("/dav/", [](SoupServerMessage* message) {
-        reply_endlessly(message, 207, kHead, std::string(4000, ' '));
+        reply_endlessly(message, 207, kWebDavHead, std::string(4000, ' '));
     });
     engine::HttpLimits limits;
     limits.milliseconds_in_all = 500;
@@ -157,7 +143,7 @@ TEST_F(Faults, WhatIsNoHttpIsTold) {
 TEST_F(Faults, BrokenXmlIsTold) {
     for (const std::string& body :
          {std::string(), std::string("no XML"), answer_of("<D:response></D:href>"),
-          kHead + picture("/dav/a.jpg"), answer_of("<D:response>&undefined;</D:response>"),
+          kWebDavHead + picture("/dav/a.jpg"), answer_of("<D:response>&undefined;</D:response>"),
           std::string("\xff\xfe<\0", 4)}) {
         answer_with(body);
 
@@ -195,7 +181,7 @@ TEST_F(Faults, XmlThatLiesTooDeepIsTold) {
     for (int i = 0; i < 100'000; ++i) {
         deep += "<a>";
     }
-    answer_with(kHead + deep);
+    answer_with(kWebDavHead + deep);
 
     EXPECT_THAT(failure(), HasSubstr("too deep"));
 }
@@ -290,39 +276,6 @@ TEST_F(Faults, AddressesOutsideOfTheFolderAreLeftOut) {
     const ListRecord list = account.list();
 
     EXPECT_THAT(list.names(), ElementsAre("good.jpg", "relative.jpg", "absolute.jpg")) << list.failure;
-}
-
-TEST_F(Faults, AFolderThatChangesWhileItIsReadIsNoList) {
-    std::string many;
-    for (int i = 0; i < 1000; ++i) {
-        many += picture("/dav/" + std::to_string(i) + ".jpg");
-    }
-    // The lean question, which comes second, finds fewer entries than were seen already.
-    server_.on("/dav/", [&](SoupServerMessage* message) {
-        reply(message, 207, answer_of(server_.requests().size() == 1 ? many : picture("/dav/0.jpg")));
-    });
-    const ListRecord list = open().list();
-
-    // Whichever of the two answers was there first, what was told is true.
-    EXPECT_EQ(list.broken_rules, "");
-    EXPECT_TRUE(list.media.size() == 1000 ||
-                list.failure.find("changed while it was read") != std::string::npos)
-        << list.media.size() << list.failure;
-}
-
-TEST_F(Faults, ALeanQuestionThatFailsCostsOnlyTime) {
-    std::string many;
-    for (int i = 0; i < 1000; ++i) {
-        many += picture("/dav/" + std::to_string(i) + ".jpg");
-    }
-    server_.on("/dav/", [&](SoupServerMessage* message) {
-        reply(message, server_.requests().size() == 1 ? 207 : 503, answer_of(many));
-    });
-
-    const ListRecord list = open().list();
-
-    EXPECT_EQ(list.media.size(), 1000U) << list.failure;
-    EXPECT_EQ(list.broken_rules, "");
 }
 
 TEST_F(Faults, ARequestThatIsEndedAtOnceAnswersNothing) {

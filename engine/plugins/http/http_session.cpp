@@ -4,6 +4,7 @@
 
 #include <array>
 #include <optional>
+#include <utility>
 
 #include "engine/plugins/http/http_reason.h"
 #include "engine/src/glib_ptr.h"
@@ -56,6 +57,11 @@ std::string name_of(GUri* uri) {
     return port > 0 && port != (is_safe(uri) ? 443 : 80) ? host + ":" + std::to_string(port) : host;
 }
 
+SoupSessionPtr new_soup_session() {
+    return SoupSessionPtr(soup_session_new_with_options("max-conns-per-host", kMostConnections, "user-agent",
+                                                        "qra-content-engine", nullptr));
+}
+
 bool is_redirect(unsigned status) {
     return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
@@ -64,6 +70,7 @@ bool is_redirect(unsigned status) {
 
 struct HttpSession::Parts {
     SoupSessionPtr soup;
+    SoupSessionPtr beside;  ///< for questions that wait for no other one's connection
     HttpLimits limits;
     UriPtr address;  ///< null if it is none
     std::string user;
@@ -88,6 +95,8 @@ public:
 
     void start();
     void cancel();
+    void hold();
+    void go_on();
 
 private:
     using Holder = std::shared_ptr<State>;
@@ -123,8 +132,11 @@ private:
     int redirects_ = 0;
     bool basic_asked_ = false;
     bool basic_sent_ = false;
+    bool held_ = false;
+    bool reads_later_ = false;  ///< go_on() has to begin the next read
     Timer deadline_;
-    Timer silence_;
+    // A busy machine is no silent server: what has come in is looked at first.
+    Timer silence_{G_PRIORITY_DEFAULT_IDLE};
 };
 
 void HttpTransfer::State::start() {
@@ -151,6 +163,19 @@ void HttpTransfer::State::cancel() {
     deadline_.stop();
     silence_.stop();
     g_cancellable_cancel(cancellable_.get());
+}
+
+void HttpTransfer::State::hold() {
+    held_ = true;
+    silence_.stop();
+}
+
+void HttpTransfer::State::go_on() {
+    held_ = false;
+    if (sink_ && std::exchange(reads_later_, false)) {
+        expect_more();
+        read_on();
+    }
 }
 
 /// The transfer is over before its sink hears of it, so that it may do what it likes.
@@ -222,7 +247,8 @@ MessagePtr HttpTransfer::State::new_message() {
 
 void HttpTransfer::State::send() {
     message_ = new_message();
-    soup_session_send_async(parts_->soup.get(), message_.get(), G_PRIORITY_DEFAULT, cancellable_.get(),
+    SoupSession* soup = (question_.beside ? parts_->beside : parts_->soup).get();
+    soup_session_send_async(soup, message_.get(), G_PRIORITY_DEFAULT, cancellable_.get(),
                             on_ready<&State::sent>, std::make_unique<Holder>(shared_from_this()).release());
 }
 
@@ -283,7 +309,8 @@ void HttpTransfer::State::follow(const char* location) {
 }
 
 void HttpTransfer::State::read_on() {
-    if (!sink_) {
+    reads_later_ = held_;
+    if (!sink_ || held_) {
         return;
     }
     g_input_stream_read_async(stream_.get(), piece_.data(), piece_.size(), G_PRIORITY_DEFAULT,
@@ -297,7 +324,7 @@ void HttpTransfer::State::piece_read(GObject* source, GAsyncResult* result) {
     // What is there already is taken at once: each round of the main context costs the wait for a processor.
     for (int more = 0; more < kPiecesInARound && size > 0 && sink_; ++more) {
         take_piece(static_cast<size_t>(size));
-        size = sink_ ? read_what_is_there(&failure) : 0;
+        size = sink_ && !held_ ? read_what_is_there(&failure) : -1;
     }
     const std::unique_ptr<GError, Release<g_error_free>> error(failure);
     if (!sink_) {
@@ -349,11 +376,18 @@ HttpTransfer::~HttpTransfer() {
     state_->cancel();
 }
 
+void HttpTransfer::hold() {
+    state_->hold();
+}
+
+void HttpTransfer::go_on() {
+    state_->go_on();
+}
+
 HttpSession::HttpSession(const Account& account, const HttpLimits& limits)
-    : parts_(std::make_shared<Parts>(
-          Parts{SoupSessionPtr(soup_session_new_with_options("max-conns-per-host", kMostConnections,
-                                                             "user-agent", "qra-content-engine", nullptr)),
-                limits, parse_address(account.address), account.user, account.password})) {}
+    : parts_(std::make_shared<Parts>(Parts{new_soup_session(), new_soup_session(), limits,
+                                           parse_address(account.address), account.user, account.password})) {
+}
 
 HttpSession::~HttpSession() = default;
 

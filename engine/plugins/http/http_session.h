@@ -28,6 +28,7 @@ struct HttpQuestion {
     std::string body;
     unsigned wanted_status = 200;
     std::string wrong_status;  ///< what another success means, after the server's name: "is no feed"
+    bool beside = false;       ///< takes none of the connections that answers which are held may occupy
 };
 
 /// Takes an answer. It may end the transfer from inside any of these.
@@ -43,7 +44,8 @@ public:
     virtual void on_failure(const std::string& reason) = 0;
 };
 
-/// A question under way; its end cancels it. It tells nothing from inside the call that began it.
+/// A question under way; its end cancels it. It tells nothing from inside the call that began it, nor from
+/// inside hold() and go_on().
 class HttpTransfer {
 public:
     class State;
@@ -51,6 +53,11 @@ public:
     ~HttpTransfer();
     HttpTransfer(const HttpTransfer&) = delete;
     HttpTransfer& operator=(const HttpTransfer&) = delete;
+
+    /// From inside on_bytes(): no more of the answer is read until go_on(), and the server has to wait. Such
+    /// a wait is no silence of the server, but a part of the time that an answer may take in all.
+    void hold();
+    void go_on();
 
 private:
     const std::shared_ptr<State> state_;

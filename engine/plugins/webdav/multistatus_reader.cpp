@@ -33,28 +33,34 @@ bool has_name(const std::vector<std::pair<std::string, std::string>>& properties
                        [&name](const auto& property) { return property.first == name; });
 }
 
-/// A property of the table below.
-struct Property {
+}  // namespace
+
+/// A property that has its place in an entry.
+struct MultistatusReader::Property {
     std::string_view space;
     std::string_view name;
-    void (*set)(WebDavEntry& entry, const std::string& value);
+    void (*set)(WebDavEntry& entry, std::string& value);
 };
-constexpr Property kProperties[] = {
-    {kDav, "getcontenttype", [](WebDavEntry& e, const std::string& value) { e.content_type = value; }},
-    {kDav, "displayname", [](WebDavEntry& e, const std::string& value) { e.display_name = value; }},
-    {kDav, "getetag", [](WebDavEntry& e, const std::string& value) { e.etag = value; }},
-    {kDav, "getcontentlength",
-     [](WebDavEntry& e, const std::string& value) { e.size = number_of_text(value); }},
+const MultistatusReader::Property MultistatusReader::kProperties[] = {
+    {kDav, "getcontenttype", [](WebDavEntry& e, std::string& value) { e.content_type.swap(value); }},
+    {kDav, "displayname", [](WebDavEntry& e, std::string& value) { e.display_name.swap(value); }},
+    {kDav, "getetag", [](WebDavEntry& e, std::string& value) { e.etag.swap(value); }},
+    {kDav, "getcontentlength", [](WebDavEntry& e, std::string& value) { e.size = number_of_text(value); }},
     {kDav, "getlastmodified",
-     [](WebDavEntry& e, const std::string& value) { e.modified = seconds_of_mail_time(value); }},
+     [](WebDavEntry& e, std::string& value) { e.modified = seconds_of_mail_time(value); }},
     {kDav, "creationdate",
-     [](WebDavEntry& e, const std::string& value) { e.created = seconds_of_iso_time(value); }},
-    {kOwnCloud, "fileid", [](WebDavEntry& e, const std::string& value) { e.file_id = value; }},
-    {kNextcloud, "has-preview",
-     [](WebDavEntry& e, const std::string& value) { e.has_preview = value == "true"; }},
+     [](WebDavEntry& e, std::string& value) { e.created = seconds_of_iso_time(value); }},
+    {kOwnCloud, "fileid", [](WebDavEntry& e, std::string& value) { e.file_id.swap(value); }},
+    {kNextcloud, "has-preview", [](WebDavEntry& e, std::string& value) { e.has_preview = value == "true"; }},
 };
 
-}  // namespace
+const MultistatusReader::Property* MultistatusReader::find_property(std::string_view space,
+                                                                    std::string_view name) {
+    const auto* const row = std::find_if(
+        std::begin(kProperties), std::end(kProperties),
+        [&](const Property& property) { return property.name == name && property.space == space; });
+    return row == std::end(kProperties) ? nullptr : row;
+}
 
 /// Which element means what within which other one.
 struct MultistatusReader::Child {
@@ -122,8 +128,10 @@ void MultistatusReader::open(std::string_view space, std::string_view name, cons
         propstat_status_.clear();
         propstat_folder_ = false;
     } else if (place == Place::kProperty) {
-        property_space_ = space;
-        property_name_ = name;
+        value_.property = find_property(space, name);
+        if (!value_.property && keep_all_) {
+            value_.name.assign(space).append(" ").append(name);
+        }
     } else if (parent == Place::kResourceType && space == kDav && name == "collection") {
         propstat_folder_ = true;
     }
@@ -171,9 +179,10 @@ void MultistatusReader::close() {
 }
 
 void MultistatusReader::close_property() {
-    const std::string_view value = trimmed(text_);
-    if (!value.empty() && propstat_.size() < kMostProperties) {
-        propstat_.emplace_back(property_space_ + " " + property_name_, value);
+    value_.text = trimmed(text_);
+    const bool kept = value_.property || keep_all_;
+    if (kept && !value_.text.empty() && propstat_.size() < kMostProperties) {
+        propstat_.push_back(std::move(value_));
     }
 }
 
@@ -182,17 +191,11 @@ void MultistatusReader::close_propstat() {
         return;
     }
     entry_.folder = entry_.folder || propstat_folder_;
-    for (auto& [name, value] : propstat_) {
-        const size_t space_size = name.rfind(' ');
-        const std::string_view space = std::string_view(name).substr(0, space_size);
-        const std::string_view plain = std::string_view(name).substr(space_size + 1);
-        const auto* const known =
-            std::find_if(std::begin(kProperties), std::end(kProperties),
-                         [&](const Property& row) { return row.name == plain && row.space == space; });
-        if (known != std::end(kProperties)) {
-            known->set(entry_, value);
-        } else if (keep_all_ && entry_.others.size() < kMostProperties && !has_name(entry_.others, name)) {
-            entry_.others.emplace_back(std::move(name), std::move(value));
+    for (Value& value : propstat_) {
+        if (value.property) {
+            value.property->set(entry_, value.text);
+        } else if (entry_.others.size() < kMostProperties && !has_name(entry_.others, value.name)) {
+            entry_.others.emplace_back(std::move(value.name), std::move(value.text));
         }
     }
 }

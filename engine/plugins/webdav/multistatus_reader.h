@@ -63,11 +63,19 @@ private:
     };
     struct Child;
     static const Child kChildren[];
+    struct Property;
+    static const Property kProperties[];
+    struct Value {
+        const Property* property;  ///< null for one that is only shown
+        std::string name;          ///< of the latter, with its namespace
+        std::string text;
+    };
 
     void open(std::string_view space, std::string_view name, const XmlAttributes& attributes) override;
     void text(std::string_view piece) override;
     void close() override;
 
+    static const Property* find_property(std::string_view space, std::string_view name);
     Place child_of(Place parent, std::string_view space, std::string_view name) const;
     bool collects(Place place) const;
     void close_property();
@@ -82,12 +90,11 @@ private:
     WebDavEntry entry_;
     std::string text_;
     bool text_complete_ = true;  ///< it is as long as it came
-    std::string property_space_;
-    std::string property_name_;
-    std::string status_;  ///< of the resource
+    Value value_{};              ///< of the property that is being read
+    std::string status_;         ///< of the resource
     std::string propstat_status_;
     bool propstat_folder_ = false;
-    std::vector<std::pair<std::string, std::string>> propstat_;  ///< name with its namespace, and value
+    std::vector<Value> propstat_;
 };
 
 }  // namespace engine

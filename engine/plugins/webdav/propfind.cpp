@@ -14,6 +14,8 @@ constexpr char kEnd[] = "</D:propfind>";
 const char* wish_text(PropfindWish wish) {
     switch (wish) {
         case PropfindWish::kKinds:
+            return "<D:prop><D:resourcetype/><D:getcontenttype/></D:prop>";
+        case PropfindWish::kNamedKinds:
             return "<D:prop><D:resourcetype/><D:getcontenttype/><D:displayname/></D:prop>";
         case PropfindWish::kItems:
             return "<D:prop><D:resourcetype/><D:getcontenttype/><D:displayname/><D:getcontentlength/>"
@@ -33,6 +35,8 @@ HttpQuestion question_for(const std::string& url, PropfindDepth depth, PropfindW
     question.body = std::string(kBegin) + wish_text(wish) + kEnd;
     question.wanted_status = 207;
     question.wrong_status = "is no WebDAV server at this address";
+    // An answer that is held waits for this one.
+    question.beside = wish == PropfindWish::kKinds || wish == PropfindWish::kNamedKinds;
     return question;
 }
 
@@ -47,6 +51,12 @@ Propfind::Propfind(HttpSession& http, const std::string& url, PropfindDepth dept
 void Propfind::cancel() {
     reader_.stop();
     transfer_.reset();
+}
+
+void Propfind::go_on() {
+    if (transfer_) {
+        transfer_->go_on();
+    }
 }
 
 void Propfind::on_begin(const std::string& url) {

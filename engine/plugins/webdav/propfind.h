@@ -14,9 +14,10 @@ namespace engine {
 
 enum class PropfindDepth { kItself, kChildren };
 enum class PropfindWish {
-    kKinds,  ///< what is needed to tell folders and media apart
-    kItems,  ///< what an item of a list tells
-    kAll     ///< all that the server has
+    kKinds,       ///< what is needed to tell folders and media apart; asked beside all other questions
+    kNamedKinds,  ///< the same, and how they are called to people
+    kItems,       ///< what an item of a list tells
+    kAll          ///< all that the server has
 };
 
 /// One PROPFIND, its answer read as it comes. Its end cancels it; it must outlive the call that it makes.
@@ -36,6 +37,10 @@ public:
 
     /// Nothing more is called.
     void cancel();
+    /// From inside the call of an entry: what has been read is still called, then no more is read until
+    /// go_on().
+    void hold() { transfer_->hold(); }
+    void go_on();
 
 private:
     void on_begin(const std::string& url) override;

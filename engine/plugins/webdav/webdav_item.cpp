@@ -2,7 +2,6 @@
 
 #include <qra/qra_types.h>
 
-#include "engine/plugins/support/media_kind.h"
 #include "engine/plugins/webdav/webdav_path.h"
 
 namespace engine {
@@ -29,17 +28,17 @@ std::string webdav_title(const WebDavEntry& entry, const std::string& name) {
     return entry.display_name.empty() ? id_of_name(name) : entry.display_name;
 }
 
+MediaKind webdav_kind(const WebDavEntry& entry, const std::string& name) {
+    return entry.folder ? MediaKind{QRA_MEDIA_TYPE_FOLDER, {}} : media_kind_of(entry.content_type, name);
+}
+
 Item webdav_item(const WebDavEntry& entry, const WebDavPlace& place) {
+    MediaKind kind = webdav_kind(entry, place.name);
     Item item;
-    if (entry.folder) {
-        item.media_type = QRA_MEDIA_TYPE_FOLDER;
-    } else {
-        MediaKind kind = media_kind_of(entry.content_type, place.name);
-        item.media_type = kind.media_type;
-        item.mime_type = std::move(kind.mime_type);
-    }
+    item.media_type = kind.media_type;
+    item.mime_type = std::move(kind.mime_type);
     item.display_name = id_of_name(place.name);
-    item.title = webdav_title(entry, place.name);
+    item.title = entry.display_name.empty() ? item.display_name : entry.display_name;
     item.id = (place.folder_id.empty() ? "" : place.folder_id + "/") + item.display_name;
     item.url = place.url;
     item.thumbnail = preview_url(entry, place.url);

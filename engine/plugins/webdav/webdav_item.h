@@ -4,6 +4,7 @@
 #include <string>
 
 #include "engine/plugins/support/item_text.h"
+#include "engine/plugins/support/media_kind.h"
 #include "engine/plugins/webdav/multistatus_reader.h"
 
 namespace engine {
@@ -21,7 +22,10 @@ Item webdav_item(const WebDavEntry& entry, const WebDavPlace& place);
 /// The same with all else that the server told.
 Item webdav_detail(const WebDavEntry& entry, const WebDavPlace& place);
 
-/// The title alone, which `webdav_item` gives too.
+/// The kind alone, which `webdav_item` gives too.
+MediaKind webdav_kind(const WebDavEntry& entry, const std::string& name);
+
+/// The title alone.
 std::string webdav_title(const WebDavEntry& entry, const std::string& name);
 
 }  // namespace engine

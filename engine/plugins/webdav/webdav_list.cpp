@@ -4,7 +4,6 @@
 
 #include <utility>
 
-#include "engine/plugins/support/media_kind.h"
 #include "engine/plugins/webdav/webdav_item.h"
 #include "engine/plugins/webdav/webdav_path.h"
 
@@ -15,6 +14,8 @@ namespace {
 // Most folders are smaller, and cost one question.
 constexpr size_t kHeldWithoutCounting = 400;
 constexpr size_t kMostEntries = 200'000;
+// Servers end an answer that nobody reads for a minute.
+constexpr unsigned kMillisecondsToCount = 20'000;
 
 }  // namespace
 
@@ -46,6 +47,7 @@ void WebDavList::start() {
 void WebDavList::cancel() {
     answer_ = nullptr;
     later_.stop();
+    counting_.stop();
     if (items_) {
         items_->cancel();
     }
@@ -54,15 +56,9 @@ void WebDavList::cancel() {
     }
 }
 
-std::optional<std::string> WebDavList::shown(const WebDavEntry& entry, const WebDavFolder& folder,
-                                             int& media_type) const {
-    auto name = folder.child(entry.href);
-    if (!name) {
-        return std::nullopt;
-    }
-    media_type = entry.folder ? QRA_MEDIA_TYPE_FOLDER : media_kind_of(entry.content_type, *name).media_type;
-    const bool wanted = entry.folder || is_wanted(media_type, query_.content_type);
-    return wanted && filter_.lets_pass(webdav_title(entry, *name)) ? name : std::nullopt;
+bool WebDavList::shows(int media_type, const std::string& title) const {
+    return (media_type == QRA_MEDIA_TYPE_FOLDER || is_wanted(media_type, query_.content_type)) &&
+           filter_.lets_pass(title);
 }
 
 void WebDavList::take_item(const WebDavEntry& entry, const WebDavFolder& folder) {
@@ -73,14 +69,16 @@ void WebDavList::take_item(const WebDavEntry& entry, const WebDavFolder& folder)
         fail("the folder has more entries than can be shown");
         return;
     }
-    int media_type = 0;
-    const auto name = shown(entry, folder, media_type);
+    const auto name = folder.child(entry.href);
     if (!name) {
+        return;
+    }
+    const Item item = webdav_item(entry, {*name, folder_id_, folder.url_of(*name, entry.folder)});
+    if (!shows(item.media_type, item.title)) {
         return;
     }
     size_t& seen = entry.folder ? seen_.folders : seen_.media;
     ++seen;
-    const Item item = webdav_item(entry, {*name, folder_id_, folder.url_of(*name, entry.folder)});
     if (!begun_) {
         held_.add(item);
         if (order_ == ItemOrder::kAsItComes && !kinds_ &&
@@ -93,17 +91,32 @@ void WebDavList::take_item(const WebDavEntry& entry, const WebDavFolder& folder)
 }
 
 void WebDavList::count_beside() {
+    items_->hold();
+    counting_.start(kMillisecondsToCount, [this] { items_->go_on(); });
     // Without this answer the list still comes, only later: its failure is none of the list.
-    kinds_.emplace(*http_, url_, PropfindDepth::kChildren, PropfindWish::kKinds,
+    kinds_.emplace(*http_, url_, PropfindDepth::kChildren,
+                   filter_.is_empty() ? PropfindWish::kKinds : PropfindWish::kNamedKinds,
                    Propfind::Calls{[this](const WebDavEntry& entry, const WebDavFolder& folder) {
                                        take_kind(entry, folder);
                                    },
-                                   [this] { begin(counted_); }, [](const std::string&) {}});
+                                   [this] {
+                                       begin(counted_);
+                                       end_counting();
+                                   },
+                                   [this](const std::string&) { end_counting(); }});
+}
+
+void WebDavList::end_counting() {
+    counting_.stop();
+    if (answer_) {
+        items_->go_on();
+    }
 }
 
 void WebDavList::take_kind(const WebDavEntry& entry, const WebDavFolder& folder) {
-    int media_type = 0;
-    if (shown(entry, folder, media_type)) {
+    const auto name = folder.child(entry.href);
+    if (name && shows(webdav_kind(entry, *name).media_type,
+                      filter_.is_empty() ? std::string() : webdav_title(entry, *name))) {
         ++(entry.folder ? counted_.folders : counted_.media);
     }
 }

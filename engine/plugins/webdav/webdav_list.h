@@ -17,10 +17,11 @@ namespace engine {
  * Lists a folder of a WebDAV server.
  *
  * Items go out while the answer is being read. Their numbers have to be known before the first one: a folder
- * of few entries is held until its end; beside the answer of a larger one a second, lean question asks for
- * the kinds of the entries alone, whose answer is there sooner, and from then on items go out as they come.
- * Should the two answers disagree, since the folder changed meanwhile, the list fails. An order other than
- * the server's needs all items first.
+ * of few entries is held until its end. The answer of a larger one is not read on until a second, lean
+ * question has told the kinds of the entries alone; from then on items go out as they come. Without an answer
+ * to that question, or with one that takes its time, the first answer is read on, and items go out as soon as
+ * either is complete. Should the two disagree, since the folder changed meanwhile, the list fails. An order
+ * other than the server's needs all items first.
  */
 class WebDavList : public Job {
 public:
@@ -38,12 +39,11 @@ private:
         }
     };
 
-    /// The entry's name if the list shows it. @param media_type receives what it is
-    std::optional<std::string> shown(const WebDavEntry& entry, const WebDavFolder& folder,
-                                     int& media_type) const;
+    bool shows(int media_type, const std::string& title) const;
     void take_item(const WebDavEntry& entry, const WebDavFolder& folder);
     void take_kind(const WebDavEntry& entry, const WebDavFolder& folder);
     void count_beside();
+    void end_counting();
     void begin(const Counts& counts);
     void end();
     void fail(const std::string& reason);
@@ -62,6 +62,7 @@ private:
     std::string folder_id_;
     std::string url_;
     Timer later_;
+    Timer counting_;
     std::optional<Propfind> items_;
     std::optional<Propfind> kinds_;
 };

@@ -100,11 +100,22 @@ std::string normal_url(const std::string& url) {
     return text;
 }
 
+/// Whether the byte stands for itself in an id.
+bool is_plain(char byte) {
+    return byte >= ' ' && byte < '\x7f' && byte != '%' && byte != '/';
+}
+
 }  // namespace
 
 std::string id_of_name(std::string_view name) {
     std::string id;
     while (!name.empty()) {
+        const auto* const special = std::find_if_not(name.begin(), name.end(), is_plain);
+        id.append(name.begin(), special);
+        name.remove_prefix(static_cast<size_t>(special - name.begin()));
+        if (name.empty()) {
+            break;
+        }
         const gunichar character = g_utf8_get_char_validated(name.data(), static_cast<gssize>(name.size()));
         const bool whole = character != static_cast<gunichar>(-1) && character != static_cast<gunichar>(-2);
         const size_t size = whole ? static_cast<size_t>(g_utf8_skip[static_cast<unsigned char>(name[0])]) : 1;
@@ -124,13 +135,13 @@ namespace {
 /// A name as a part of a URL's path.
 std::string encoded_name(std::string_view name) {
     std::string text;
+    text.reserve(name.size());
     for (const char character : name) {
-        const auto byte = static_cast<unsigned char>(character);
         if (g_ascii_isalnum(character) ||
             std::string_view("-._~!$'()*+,;=@").find(character) != std::string_view::npos) {
             text += character;
         } else {
-            append_escaped(text, byte);
+            append_escaped(text, static_cast<unsigned char>(character));
         }
     }
     return text;
@@ -158,7 +169,10 @@ WebDavFolder::WebDavFolder(const std::string& url) : url_(normal_url(url)) {
     if (url_.empty() || url_.back() != '/') {
         url_ += '/';
     }
-    names_ = names_along(path_of(url_)).value_or(std::vector<std::string>());
+    if (auto names = names_along(path_of(url_))) {
+        names_ = std::move(*names);
+        path_ = path_of(url_);
+    }
 }
 
 std::optional<std::vector<std::string>> WebDavFolder::names_of(std::string_view href) const {
@@ -175,7 +189,22 @@ std::optional<std::vector<std::string>> WebDavFolder::names_of(std::string_view 
     return !url.empty() && origin_of(url) == origin_of(url_) ? names_along(path_of(url)) : std::nullopt;
 }
 
+std::string_view WebDavFolder::segment_below(std::string_view href) const {
+    if (path_.empty() || href.substr(0, path_.size()) != path_ || href.substr(0, 2) == "//") {
+        return {};
+    }
+    href.remove_prefix(path_.size());
+    const std::string_view segment = href.substr(0, href.find_first_of("/?#"));
+    const std::string_view rest = href.substr(segment.size());
+    return rest.empty() || rest == "/" ? segment : std::string_view();
+}
+
 std::optional<std::string> WebDavFolder::child(std::string_view href) const {
+    const std::string_view segment = segment_below(href);
+    if (!segment.empty()) {
+        std::string name = decoded(segment);
+        return is_name(name) ? std::optional(std::move(name)) : std::nullopt;
+    }
     auto names = names_of(href);
     const bool inside = names && names->size() == names_.size() + 1 &&
                         std::equal(names_.begin(), names_.end(), names->begin());

@@ -48,8 +48,11 @@ public:
 
 private:
     std::optional<std::vector<std::string>> names_of(std::string_view href) const;
+    /// What follows the folder's path in an address that is written as most servers do; empty in all others.
+    std::string_view segment_below(std::string_view href) const;
 
     std::string url_;                 ///< without what is no path, with a slash at its end
+    std::string path_;                ///< its path alone; empty if that leads elsewhere
     std::vector<std::string> names_;  ///< the path's, in bytes
 };
 
