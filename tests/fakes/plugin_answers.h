@@ -13,9 +13,9 @@
 
 #include "engine/src/plugin.h"
 
-/// Runs the main context until the condition holds; false if it does not for a minute.
-inline bool run_until(const std::function<bool()>& condition) {
-    const gint64 deadline = g_get_monotonic_time() + 60 * G_USEC_PER_SEC;
+/// Runs the main context until the condition holds; false if it does not for that long.
+inline bool run_until(const std::function<bool()>& condition, gint64 microseconds = 60 * G_USEC_PER_SEC) {
+    const gint64 deadline = g_get_monotonic_time() + microseconds;
     // Wakes the context up, so that the deadline is looked at.
     const guint timer = g_timeout_add(
         200, [](void*) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
