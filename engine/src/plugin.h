@@ -19,7 +19,7 @@ namespace engine {
  * Item texts are JSON objects with the agent's own field names ("TITLE", "DISPLAY_NAME", "MEDIA_TYPE",
  * "SIZE", "MODIFIED_TIME", "MIME_TYPE", "URL", "THUMBNAIL_PATH", "ID_QRA", ...), so that a client reads a
  * remote item as it reads a file. "ID_QRA" is the text by which the plug-in knows the item again: a folder's
- * is what `list` takes. No text of a plug-in holds credentials.
+ * is what `list` takes, and a medium's gives a list of it alone. No text of a plug-in holds credentials.
  */
 
 /// One account as its owner wrote it down. The name is what clients connect to.
@@ -33,7 +33,7 @@ struct Account {
 
 /// What a client asks a list for. Texts that it left out are empty.
 struct ListQuery {
-    std::string container;     ///< "ID_QRA" of a folder; empty: the account's top
+    std::string container;     ///< "ID_QRA" of a folder, or of a medium: that alone; empty: the account's top
     std::string content_type;  ///< which media are wanted: "image", "video", "audio"; empty: all
     std::string category;      ///< the order
     std::string filter;        ///< a word that titles hold

@@ -101,9 +101,20 @@ TEST_F(Feed, AnItemThatIsNotInTheFeedHasAnEmptyDetail) {
 
 TEST_F(Feed, HasNoFolders) {
     engine::ListQuery query;
-    query.container = "t2";
+    query.container = "t9";
 
     EXPECT_THAT(open().list(query).failure, HasSubstr("no folders"));
+}
+
+TEST_F(Feed, TheListOfAnEntryHoldsItAlone) {
+    engine::ListQuery query;
+    query.container = "t2";
+
+    const ListRecord list = open().list(query);
+
+    EXPECT_EQ(list.broken_rules, "");
+    ASSERT_THAT(list.names(), ElementsAre("Second talk")) << list.failure;
+    EXPECT_EQ(list.media[0]["ID_QRA"], "t2");
 }
 
 TEST_F(Feed, AFeedThatIsNotThereIsTold) {

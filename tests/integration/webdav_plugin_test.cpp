@@ -197,6 +197,41 @@ TYPED_TEST(WebDav, AnEmptyFolderIsAnEmptyList) {
     EXPECT_THAT(list.names(), IsEmpty());
 }
 
+TYPED_TEST(WebDav, TheListOfAMediumHoldsItAlone) {
+    const OpenAccount account = open_webdav(this->server_.url());
+    engine::ListQuery query;
+    query.container = "Holiday 2024/K\xc3\xbcste & Meer.jpg";
+
+    const ListRecord list = account.list(query);
+
+    EXPECT_EQ(list.broken_rules, "");
+    ASSERT_THAT(list.names(), ElementsAre("K\xc3\xbcste & Meer.jpg")) << list.failure;
+    EXPECT_THAT(list.folders, IsEmpty());
+    EXPECT_EQ(list.media[0]["ID_QRA"], query.container);
+    EXPECT_EQ(list.media[0]["URL"], this->server_.url() + "Holiday%202024/K%C3%BCste%20%26%20Meer.jpg");
+}
+
+TYPED_TEST(WebDav, AFolderThatIsCalledLikeAMediumIsListed) {
+    this->server_.write("party.jpg/b.jpg", "b");
+    const OpenAccount account = open_webdav(this->server_.url());
+    engine::ListQuery query;
+    query.container = "party.jpg";
+
+    const ListRecord list = account.list(query);
+
+    ASSERT_THAT(list.names(), ElementsAre("b.jpg")) << list.failure;
+    EXPECT_EQ(list.media[0]["ID_QRA"], "party.jpg/b.jpg");
+    EXPECT_EQ(list.media[0]["URL"], this->server_.url() + "party.jpg/b.jpg");
+}
+
+TYPED_TEST(WebDav, AMissingMediumIsTold) {
+    const OpenAccount account = open_webdav(this->server_.url());
+    engine::ListQuery query;
+    query.container = "nothing.jpg";
+
+    EXPECT_THAT(account.list(query).failure, HasSubstr("has nothing at this address"));
+}
+
 TYPED_TEST(WebDav, AMissingFolderIsTold) {
     const OpenAccount account = open_webdav(this->server_.url());
     engine::ListQuery query;

@@ -11,7 +11,6 @@
 #include "engine/plugins/support/held_items.h"
 #include "engine/plugins/support/job.h"
 #include "engine/plugins/support/media_kind.h"
-#include "engine/src/timer.h"
 
 namespace engine {
 
@@ -72,10 +71,6 @@ public:
         : http_(std::move(http)), url_(std::move(url)), query_(std::move(query)), answer_(&answer) {}
 
     void start() {
-        if (!query_.container.empty()) {
-            later_.start(0, [this] { fail("a feed has no folders"); });
-            return;
-        }
         fetch_.emplace(
             *http_, url_, [this](const std::vector<Item>& items) { show(items); },
             [this](const std::string& reason) { fail(reason); });
@@ -83,18 +78,25 @@ public:
 
     void cancel() override {
         answer_ = nullptr;
-        later_.stop();
         if (fetch_) {
             fetch_->cancel();
         }
     }
 
 private:
+    /// All of a feed, or the one entry that was asked for: a feed has no folders.
     void show(const std::vector<Item>& items) {
+        const std::string& wanted = query_.container;
+        if (!wanted.empty() && std::none_of(items.begin(), items.end(),
+                                            [&wanted](const Item& one) { return one.id == wanted; })) {
+            fail("a feed has no folders, and this one no such entry");
+            return;
+        }
         const TitleFilter filter(query_.filter);
         HeldItems held(item_order_of(query_.category));
         for (Item item : items) {
-            if (is_wanted(item.media_type, query_.content_type) && filter.lets_pass(item.title)) {
+            if ((wanted.empty() || item.id == wanted) && is_wanted(item.media_type, query_.content_type) &&
+                filter.lets_pass(item.title)) {
                 item.details.clear();
                 held.add(item);
             }
@@ -119,7 +121,6 @@ private:
     const std::string url_;
     const ListQuery query_;
     ListAnswer* answer_;  ///< null when nothing is answered any more
-    Timer later_;
     std::optional<FeedFetch> fetch_;
 };
 

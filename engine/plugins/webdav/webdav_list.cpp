@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "engine/plugins/support/media_kind.h"
 #include "engine/plugins/webdav/webdav_item.h"
 #include "engine/plugins/webdav/webdav_path.h"
 
@@ -30,13 +31,15 @@ WebDavList::WebDavList(std::shared_ptr<HttpSession> http, std::string top, const
       held_(order_) {}
 
 void WebDavList::start() {
-    auto folder_id = parse_id(query_.container);
-    if (!folder_id) {
+    auto id = parse_id(query_.container);
+    if (!id) {
         later_.start(0, [this] { fail("there is no such folder in this account"); });
         return;
     }
-    folder_id_ = std::move(folder_id->id);
-    url_ = top_ + folder_id->path + (folder_id->path.empty() ? "" : "/");
+    id_ = std::move(*id);
+    // Servers know folders by a slash at the end, and media by none.
+    const bool folder = media_kind_of("", id_.name).media_type == 0;
+    url_ = top_ + id_.path + (folder && !id_.path.empty() ? "/" : "");
     items_.emplace(*http_, url_, PropfindDepth::kChildren, PropfindWish::kItems,
                    Propfind::Calls{[this](const WebDavEntry& entry, const WebDavFolder& folder) {
                                        take_item(entry, folder);
@@ -56,6 +59,17 @@ void WebDavList::cancel() {
     }
 }
 
+std::optional<WebDavPlace> WebDavList::place_of(const WebDavEntry& entry, const WebDavFolder& folder) const {
+    if (auto name = folder.child(entry.href)) {
+        std::string url = folder.url_of(*name, entry.folder);
+        return WebDavPlace{std::move(*name), id_.id, std::move(url)};
+    }
+    if (!entry.folder && !id_.name.empty() && folder.is_itself(entry.href)) {
+        return WebDavPlace{id_.name, id_.folder_id, folder.url(false)};
+    }
+    return std::nullopt;
+}
+
 bool WebDavList::shows(int media_type, const std::string& title) const {
     return (media_type == QRA_MEDIA_TYPE_FOLDER || is_wanted(media_type, query_.content_type)) &&
            filter_.lets_pass(title);
@@ -69,11 +83,11 @@ void WebDavList::take_item(const WebDavEntry& entry, const WebDavFolder& folder)
         fail("the folder has more entries than can be shown");
         return;
     }
-    const auto name = folder.child(entry.href);
-    if (!name) {
+    const auto place = place_of(entry, folder);
+    if (!place) {
         return;
     }
-    const Item item = webdav_item(entry, {*name, folder_id_, folder.url_of(*name, entry.folder)});
+    const Item item = webdav_item(entry, *place);
     if (!shows(item.media_type, item.title)) {
         return;
     }

@@ -9,12 +9,13 @@
 #include "engine/plugins/support/held_items.h"
 #include "engine/plugins/support/job.h"
 #include "engine/plugins/webdav/propfind.h"
+#include "engine/plugins/webdav/webdav_item.h"
 #include "engine/src/timer.h"
 
 namespace engine {
 
 /**
- * Lists a folder of a WebDAV server.
+ * Lists a folder of a WebDAV server. The list of a medium holds that medium alone.
  *
  * Items go out while the answer is being read. Their numbers have to be known before the first one: a folder
  * of few entries is held until its end. The answer of a larger one is not read on until a second, lean
@@ -39,6 +40,8 @@ private:
         }
     };
 
+    /// Where an entry of the list stands: in the folder, or it is the medium that was asked for.
+    std::optional<WebDavPlace> place_of(const WebDavEntry& entry, const WebDavFolder& folder) const;
     bool shows(int media_type, const std::string& title) const;
     void take_item(const WebDavEntry& entry, const WebDavFolder& folder);
     void take_kind(const WebDavEntry& entry, const WebDavFolder& folder);
@@ -59,7 +62,7 @@ private:
     Counts counted_;               ///< of the lean answer so far
     std::optional<Counts> begun_;  ///< what the list was told to hold
     size_t entries_ = 0;
-    std::string folder_id_;
+    WebDavId id_;  ///< of what is listed
     std::string url_;
     Timer later_;
     Timer counting_;
