@@ -1,5 +1,11 @@
+#include <json/json.h>
+
+#include <algorithm>
 #include <chrono>
+#include <ctime>
+#include <memory>
 #include <string>
+#include <string_view>
 
 #include "apps/qra/command_line.h"
 #include "apps/qra/commands.h"
@@ -15,6 +21,54 @@ std::string headline(const CommandLine& line, int count) {
     const std::string items = count == 1 ? "1 item" : std::to_string(count) + " items";
     return printable_text(line.account.name + ":/" + line.path) + "  " +
            (count == 0 ? "nothing to show" : items) + "\n";
+}
+
+Json::Value read_object(const std::string& text) {
+    Json::Value value;
+    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    if (!reader->parse(text.data(), text.data() + text.size(), &value, nullptr) || !value.isObject()) {
+        throw CommandError(ExitStatus::RequestFailed, "the engine's answer cannot be read");
+    }
+    return value;
+}
+
+/// Whether the list is that of a medium: it alone.
+bool is_medium(RemoteList& list, const std::string& id) {
+    if (list.count() != 1) {
+        return false;
+    }
+    const Json::Value item = read_object(list.item(0));
+    return item["ID_QRA"] == id && item["MEDIA_TYPE"] != QRA_MEDIA_TYPE_FOLDER;
+}
+
+/// A value on one line, whatever it is.
+std::string value_text(const Json::Value& value) {
+    if (value.isString()) {
+        return value.asString();
+    }
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    return Json::writeString(builder, value);
+}
+
+std::string shown_value(const std::string& name, const Json::Value& value) {
+    constexpr std::string_view kTime = "_TIME";
+    const bool is_time = name.size() > kTime.size() &&
+                         std::string_view(name).substr(name.size() - kTime.size()) == kTime &&
+                         value.isInt64() && value.asInt64() > 0;
+    return is_time ? readable_time(static_cast<std::time_t>(value.asInt64())) : value_text(value);
+}
+
+void print_detail(const Json::Value& detail) {
+    std::size_t width = 0;
+    for (const std::string& name : detail.getMemberNames()) {
+        width = std::max(width, printable_text(name).size());
+    }
+    for (const std::string& name : detail.getMemberNames()) {
+        const std::string label = printable_text(name);
+        const std::string value = printable_text(shown_value(name, detail[name]));
+        print(label + (value.empty() ? "" : std::string(width + 2 - label.size(), ' ') + value) + "\n");
+    }
 }
 
 }  // namespace
@@ -38,4 +92,23 @@ void run_remote_list(const CommandLine& line) {
         list.move_to(index);
         return read_tile(list.handle());
     });
+}
+
+void run_detail(const CommandLine& line) {
+    ListOptions options;
+    options.source = kCloudSource;
+    options.sort_category.clear();
+    options.mask = kFoldersAndMedia;
+    RemoteList list(options, {line.account.name, line.item_id}, std::chrono::seconds(line.cloud_timeout));
+    if (!is_medium(list, line.item_id)) {
+        throw CommandError(
+            ExitStatus::RequestFailed,
+            printable_text(line.item_id) + " is no medium: details are of media, not of folders");
+    }
+    const std::string detail = list.detail_of_first();
+    if (line.json) {
+        print(detail);
+    } else {
+        print_detail(read_object(detail));
+    }
 }

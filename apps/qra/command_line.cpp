@@ -14,10 +14,6 @@ namespace {
 constexpr int kMostRowsOrColumns = 1000;
 constexpr int kLongestTimeout = 86400;
 
-/// What a page shows.
-constexpr int kMedia = 0x04;
-constexpr int kFoldersAndMedia = 0x06;
-
 /// The built-in lists of the library, and what cameras and phones make today besides.
 constexpr const char* kExtensions =
     R"({"param_media_extension_image":["jpg","jpeg","jpe","jfif","mpo","bmp","png","gif","webp","heic","heif","hif",)"
@@ -176,7 +172,7 @@ void check_remote_list(const CLI::App& command, CommandLine& line) {
         line.list.sort_category.clear();
     }
     // Other sources than this one have no folders of their own kind on a page.
-    line.list.mask = line.list.source == "CloudSource" ? kFoldersAndMedia : kMedia;
+    line.list.mask = line.list.source == kCloudSource ? kFoldersAndMedia : kMedia;
 }
 
 void check_local_list(const CLI::App& command) {
@@ -190,6 +186,13 @@ void check_local_list(const CLI::App& command) {
     }
 }
 
+void add_cloud_timeout(CLI::App& command, CommandLine& line) {
+    command
+        .add_option("--timeout", line.cloud_timeout, "Seconds to wait for each part of an account's answer")
+        ->check(CLI::Range(1, kLongestTimeout))
+        ->capture_default_str();
+}
+
 void add_list_command(CLI::App& app, CommandLine& line) {
     CLI::App* list = app.add_subcommand("list", "Show a folder as pages of tiles");
     list->add_option("PATH", line.path,
@@ -197,9 +200,7 @@ void add_list_command(CLI::App& app, CommandLine& line) {
                      "a folder, without it the account's top");
     add_request_options(*list, line);
     list->add_option("--plugin", line.account.name, "The account, for --source CloudSource");
-    list->add_option("--timeout", line.cloud_timeout, "Seconds to wait for each part of an account's list")
-        ->check(CLI::Range(1, kLongestTimeout))
-        ->capture_default_str();
+    add_cloud_timeout(*list, line);
     list->add_option("--offset", line.offset, "First tile to show")->check(CLI::Range(0, INT_MAX));
     list->add_option("--limit", line.limit, "Most tiles to show")->check(CLI::Range(0, INT_MAX));
     list->add_flag("--json", line.json, "One JSON object for each tile, one on a line, in list order");
@@ -207,6 +208,20 @@ void add_list_command(CLI::App& app, CommandLine& line) {
         const bool local = is_source_of_this_machine(line.list.source);
         local ? check_local_list(*list) : check_remote_list(*list, line);
         line.command = local ? run_list : run_remote_list;
+    });
+}
+
+void add_detail_command(CLI::App& app, CommandLine& line) {
+    CLI::App* detail = app.add_subcommand("detail", "Show all that a service tells of a medium");
+    detail->add_option("ITEM_ID", line.item_id, "Its ID_QRA, as `qra list --json` tells it")->required();
+    detail->add_option("--plugin", line.account.name, "The account")->required();
+    add_cloud_timeout(*detail, line);
+    detail->add_flag("--json", line.json, "One JSON object");
+    detail->callback([&line] {
+        if (line.item_id.empty()) {
+            throw CLI::ValidationError("ITEM_ID", "is empty");
+        }
+        line.command = run_detail;
     });
 }
 
@@ -383,6 +398,7 @@ std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine&
     add_drive_commands(app, command_line);
     add_device_commands(app, command_line);
     add_list_command(app, command_line);
+    add_detail_command(app, command_line);
     add_get_command(app, command_line);
     add_job_commands(app, command_line);
     add_account_commands(app, command_line);

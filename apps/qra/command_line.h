@@ -64,8 +64,9 @@ struct CommandLine {
     int limit = -1;  ///< negative: all
     int index = 0;
     std::vector<std::string> fields;
-    AccountOptions account;  ///< of list the name alone
-    int cloud_timeout = 30;  ///< lists of the engine: seconds
+    AccountOptions account;  ///< of list and detail the name alone
+    std::string item_id;     ///< detail
+    int cloud_timeout = 30;  ///< lists of the engine, detail: seconds
     JobOptions job;
     DeviceOptions devices;
     PlaylistOptions playlist;

@@ -14,6 +14,7 @@ void run_check_device(const CommandLine& line);
 void run_thumbs(const CommandLine& line);
 void run_list(const CommandLine& line);
 void run_remote_list(const CommandLine& line);
+void run_detail(const CommandLine& line);
 void run_get(const CommandLine& line);
 void run_copy(const CommandLine& line);
 void run_delete(const CommandLine& line);

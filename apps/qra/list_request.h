@@ -23,6 +23,13 @@ struct ListOptions {
     int columns = 9;
 };
 
+/// What a page shows, as its mask tells.
+inline constexpr int kMedia = 0x04;
+inline constexpr int kFoldersAndMedia = 0x06;
+
+/// The source of the content engine's accounts.
+inline constexpr const char* kCloudSource = "CloudSource";
+
 /// All other sources are the content engine's.
 bool is_source_of_this_machine(const std::string& source);
 

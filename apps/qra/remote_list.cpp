@@ -1,5 +1,8 @@
 #include "apps/qra/remote_list.h"
 
+#include <json/reader.h>
+#include <json/value.h>
+
 #include <cstdlib>
 #include <memory>
 
@@ -14,6 +17,22 @@ namespace {
 /// A grid of usual size has far fewer, so that it shows with the first section; and a large folder does not
 /// come in very many.
 constexpr int kItemsOfSection = 200;
+
+std::string with_line_feed(std::string text) {
+    if (text.empty() || text.back() != '\n') {
+        text += '\n';
+    }
+    return text;
+}
+
+/// Why a detail failed, as its answer tells.
+std::string reason_of(const std::string& answer) {
+    Json::Value value;
+    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    const bool read = reader->parse(answer.data(), answer.data() + answer.size(), &value, nullptr);
+    const bool told = read && value.isObject() && value["ERROR_TEXT"].isString();
+    return told ? printable_text(value["ERROR_TEXT"].asString()) : "the service gave no reason";
+}
 
 }  // namespace
 
@@ -112,13 +131,35 @@ std::string RemoteList::item(int index) {
     char* text = nullptr;
     once_arrived(index, [&] { return qra_get_item_v2(handle_, index, &text); });
     const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
-    std::string line = text;
-    if (line.empty() || line.back() != '\n') {
-        line += '\n';
-    }
-    return line;
+    return with_line_feed(text);
 }
 
 void RemoteList::move_to(int index) {
     once_arrived(index, [&] { return qra_move_to_index_v2(handle_, index); });
+}
+
+bool RemoteList::on_detail(void* list, CQRAAgentHandle*, int, qra_event_e event, const char* text) {
+    static_cast<RemoteList*>(list)->answers_.give({event, text != nullptr ? text : ""});
+    return true;
+}
+
+std::string RemoteList::detail_of_first() {
+    qra_detail_param_h raw = nullptr;
+    check("detail", qra_create_detail_param(&raw));
+    // As it is made, it asks for the list's first item.
+    const std::unique_ptr<qra_detail_s, decltype(&qra_destroy_detail_param)> param(raw,
+                                                                                   &qra_destroy_detail_param);
+    check("detail", qra_request_detail_v2(handle_, raw, this, on_detail));
+    for (;;) {
+        const Answer answer = next_answer();
+        if (answer.event == QRA_EVENT_DETAIL_SUCCESS) {
+            return with_line_feed(answer.text);
+        }
+        if (answer.event == QRA_EVENT_DETAIL_EMPTY) {
+            throw CommandError(ExitStatus::RequestFailed, "the service tells nothing of it");
+        }
+        if (answer.event == QRA_EVENT_DETAIL_FAILED) {
+            throw CommandError(ExitStatus::RequestFailed, "the detail failed: " + reason_of(answer.text));
+        }
+    }
 }

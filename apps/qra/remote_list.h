@@ -43,6 +43,9 @@ public:
     std::string item(int index);
     void move_to(int index);
 
+    /// All that the service tells of the list's first item, as one line of JSON with a line feed at its end.
+    std::string detail_of_first();
+
     /// For reading values at the cursor.
     qra_agent_handler_h handle() const { return handle_; }
 
@@ -53,6 +56,7 @@ private:
     };
 
     static bool on_list(void* list, CQRAAgentHandle* handle, qra_event_e event, int id, const char* text);
+    static bool on_detail(void* list, CQRAAgentHandle* handle, int id, qra_event_e event, const char* text);
     static void on_engine_gone(GDBusConnection* bus, const char* name, gpointer list);
     void send(const ListOptions& options, const RemoteFolder& folder);
     void lay_out(const ListOptions& options);

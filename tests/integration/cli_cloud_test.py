@@ -122,6 +122,8 @@ class UsageTest(CloudToolTest):
                                    (["list", ".", "--plugin", "cloud"], "--plugin"),
                                    (["list", ".", "--timeout", "5"], "--timeout"),
                                    (["list", "--source", "CloudSource", "--plugin", "a", "--timeout", "0"], "--timeout"),
+                                   (["detail", "a.png"], "--plugin"), (["detail", "--plugin", "a"], "ITEM_ID"),
+                                   (["detail", "--plugin", "a", ""], "ITEM_ID"),
                                    (["list", "--source", "CloudSource", "--plugin", "a", "--mask", "4"], "--mask"),
                                    (["list", "--source", "CloudSource", "--plugin", "a", "--no-scan"], "--no-scan")):
             with self.subTest(arguments):
@@ -188,6 +190,43 @@ class ListTest(CloudToolTest):
         self.start_cloud()
         self.assertEqual(["Music", "red.wav"],
                          [item["TITLE"] for item in self.tiles("--source", "OtherSource", "--plugin", "cloud")])
+
+
+class DetailTest(CloudToolTest):
+    def setUp(self):
+        super().setUp()
+        (self.tree / "Holiday 1").mkdir()
+        png(self.tree / "Holiday 1" / "Küste 100%.png")
+        os.utime(self.tree / "Holiday 1" / "Küste 100%.png", (1620295200, 1620295200))
+        png(self.tree / "other.png")
+        self.start_cloud()
+
+    def test_detail_tells_of_the_item_whose_id_a_list_told(self):
+        [item] = self.cloud("Holiday 1")
+        [line] = self.stdout("detail", "--plugin", "cloud", item["ID_QRA"], "--json").splitlines()
+        detail = json.loads(line)
+        self.assertEqual(item, {name: detail[name] for name in item})
+        self.assertIn("ETAG", detail)
+
+    def test_text_has_a_line_for_each_value(self):
+        [item] = self.cloud("Holiday 1")
+        text = self.stdout("detail", "--plugin", "cloud", item["ID_QRA"])
+        size = (self.tree / "Holiday 1" / "Küste 100%.png").stat().st_size
+        self.assertRegex(text, rf"(?m)^SIZE +{size}$")
+        self.assertRegex(text, r"(?m)^MODIFIED_TIME +2021-05-06 10:00$")
+        self.assertRegex(text, r"(?m)^MIME_TYPE +image/png$")
+        self.assertRegex(text, r"(?m)^THUMBNAIL_PATH$")
+
+    def test_folder_has_no_detail(self):
+        # Not even one that holds a single medium.
+        self.assert_fails(FAILED, "Holiday 1 is no medium", "detail", "--plugin", "cloud", "Holiday 1")
+
+    def test_item_that_is_not_there_is_told(self):
+        self.assert_fails(FAILED, "404", "detail", "--plugin", "cloud", "nothing.png")
+
+    def test_unknown_account_and_missing_engine_are_told(self):
+        self.assert_fails(FAILED, "account nobody", "detail", "--plugin", "nobody", "a.png")
+        self.assert_fails(MISSING, "engine does not answer", "detail", "--plugin", "cloud", "a.png", QRA_ENGINE="")
 
 
 class FailureTest(CloudToolTest):
