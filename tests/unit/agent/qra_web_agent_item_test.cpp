@@ -147,7 +147,7 @@ TEST_F(CQRAWebAgentItem, CountsTheTilesOfThePageAndNothingByKind) {
 TEST_F(CQRAWebAgentItem, ANewPageStyleReplacesThePage) {
     qra_page_style_s style;
     style.mask = 0x02;
-    style.order = static_cast<qra_page_order_e>(2);
+    style.row = 0;
     EXPECT_EQ(qra_set_page_style_v2(handle_, &style), QRA_ERROR_INVALID_PARAM);
     int count = 0;
     EXPECT_EQ(qra_get_item_count_v2(handle_, &count), QRA_ERROR_INVALID_HANDLE);
