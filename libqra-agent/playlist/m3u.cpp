@@ -14,12 +14,10 @@ constexpr char kNameTag[] = "#EXT-X-NAME";
 constexpr char kCountTag[] = "#EXT-X-COUNT";
 constexpr int kFractionDigits = 4;
 
-/// "name=value" pairs joined by ",", without the pair of the name `skipped`.
-std::string JoinAttributes(const M3U::Attributes& attributes, const std::string& skipped) {
+/// "name=value" pairs joined by ",". A pair without a name counts too.
+std::string JoinAttributes(const M3U::Attributes& attributes) {
     std::string text;
     for (const auto& [name, value] : attributes) {
-        if (name == skipped)
-            continue;
         if (!text.empty())
             text += ',';
         text += name + '=' + value;
@@ -28,10 +26,11 @@ std::string JoinAttributes(const M3U::Attributes& attributes, const std::string&
 }
 
 void AppendVariant(const M3U::Attributes& variant, std::string& text) {
-    const auto uri = variant.find("uri");
-    text += "#EXT-X-STREAM-INF:" + JoinAttributes(variant, "uri") + '\n';
-    if (uri != variant.end())
-        text += uri->second;
+    M3U::Attributes attributes = variant;
+    const auto uri = attributes.extract("uri");
+    text += "#EXT-X-STREAM-INF:" + JoinAttributes(attributes) + '\n';
+    if (!uri.empty())
+        text += uri.mapped();
     text += '\n';
 }
 
@@ -156,7 +155,7 @@ std::string M3U::Dump() const {
     for (const auto& [tag, value] : params)
         text += tag + ':' + value + '\n';
     if (bKey)
-        text += "#EXT-X-KEY:" + JoinAttributes(key, "") + '\n';
+        text += "#EXT-X-KEY:" + JoinAttributes(key) + '\n';
     if (bVariant) {
         for (const Attributes& variant : variants)
             AppendVariant(variant, text);

@@ -1,5 +1,7 @@
 #include "libqra-agent/playlist/m3u_playlist.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -122,7 +124,9 @@ bool M3UPlaylist::CreateNew(const std::string& strDir, const std::string& strNam
         QRA_LOG_WARNING(QRA_TAG_COMMON, "Invalid strName[%s].", strName.c_str());
         return false;
     }
-    if (CQRAFile64::FileExists(m_strFullPath.c_str())) {
+    // A link that leads nowhere has the name too: what is created through it would lie where the link says.
+    struct stat info {};
+    if (lstat(m_strFullPath.c_str(), &info) == 0) {
         QRA_LOG_WARNING(QRA_TAG_COMMON, "Already exist m3u file.path[%s], name[%s].", m_strFullPath.c_str(),
                         strName.c_str());
         return false;

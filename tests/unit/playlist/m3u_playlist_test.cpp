@@ -134,6 +134,13 @@ TEST_F(Playlist, NothingIsMadeInADirectoryThatIsNotThere) {
     EXPECT_TRUE(log_.contains("Dir [" + dir_.path("no") + "] not exist!!!"));
 }
 
+TEST_F(Playlist, ALinkThatLeadsNowhereKeepsItsName) {
+    ASSERT_EQ(symlink(dir_.path("elsewhere").c_str(), dir_.path(".bgm.m3u").c_str()), 0);
+    EXPECT_FALSE(playlist_.CreateNew(dir_.path(), ".bgm", 1));
+    EXPECT_TRUE(log_.contains("Already exist m3u file.path[" + dir_.path(".bgm.m3u") + "], name[.bgm]."));
+    EXPECT_NE(access(dir_.path("elsewhere").c_str(), F_OK), 0);
+}
+
 TEST_F(Playlist, AFileThatIsThereIsNotMadeAgain) {
     dir_.write(".bgm.m3u", "mine");
     EXPECT_FALSE(playlist_.CreateNew(dir_.path(), ".bgm", 1));

@@ -109,6 +109,12 @@ TEST(M3U, WritesTagsKeysAndStreamsInTheirOrder) {
                            '\0' + "|0|||0|0|||0||||0|0|0|0|0\nx\n#EXT-X-ENDLIST\n");
 }
 
+TEST(M3U, AKeyKeepsItsPairWithoutAName) {
+    EXPECT_EQ(parse_m3u("#EXT-X-KEY:\n").Dump(), "#EXTM3U\n#EXT-X-KEY:=\n");
+    EXPECT_EQ(parse_m3u("#EXT-X-KEY:A=1,\n").Dump(), "#EXTM3U\n#EXT-X-KEY:=,A=1\n");
+    EXPECT_EQ(parse_m3u("#EXT-X-KEY:=x\n").Dump(), "#EXTM3U\n#EXT-X-KEY:=x\n");
+}
+
 TEST(M3U, AStreamWithoutAUriHasAnEmptyLine) {
     M3U m3u;
     m3u.variants = {{{"A", "1"}}};
