@@ -22,6 +22,12 @@ namespace {
 constexpr char kBackgroundMusic[] = ".bgm";
 constexpr char kExtension[] = ".m3u";
 
+/// A link that leads nowhere takes the name too: what is created through it would lie where the link says.
+bool IsLink(const std::string& strPath) {
+    struct stat info {};
+    return lstat(strPath.c_str(), &info) == 0 && S_ISLNK(info.st_mode);
+}
+
 /// A number that two lists share only if they are made within the same millisecond.
 std::string GenUUID() {
     return std::to_string(static_cast<uint32_t>(CQRAUtil::GetCurrentSystemTime()));
@@ -124,9 +130,7 @@ bool M3UPlaylist::CreateNew(const std::string& strDir, const std::string& strNam
         QRA_LOG_WARNING(QRA_TAG_COMMON, "Invalid strName[%s].", strName.c_str());
         return false;
     }
-    // A link that leads nowhere has the name too: what is created through it would lie where the link says.
-    struct stat info {};
-    if (lstat(m_strFullPath.c_str(), &info) == 0) {
+    if (CQRAFile64::FileExists(m_strFullPath.c_str()) || IsLink(m_strFullPath)) {
         QRA_LOG_WARNING(QRA_TAG_COMMON, "Already exist m3u file.path[%s], name[%s].", m_strFullPath.c_str(),
                         strName.c_str());
         return false;
