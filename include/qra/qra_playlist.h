@@ -77,9 +77,9 @@ QRA_API qra_error_code_e qra_playlist_exist_v2(qra_playlist_file_param_h pParam)
  * @retval QRA_ERROR_ALREADY_EXIST the drive has a playlist of this name
  * @retval QRA_ERROR_PLAYLIST_MAX  the drive has 5 playlists
  * @retval QRA_ERROR_CREATE_FAILED the name is refused, or the file could not be made (USB)
- * @retval QRA_ERROR_NOT_EXIST     the path lies below a drive's top directory, or the drive went meanwhile. On a
- * drive whose own name has fewer than 6 characters ("usb1") a path below its top directory is instead taken for
- * a drive of its own, which is not forgotten at the unmount: name the top directory
+ * @retval QRA_ERROR_NOT_EXIST     the path lies below a drive's top directory, or the drive went meanwhile.
+ * On a drive whose own name has fewer than 6 characters ("usb1") a path below its top directory is instead
+ * taken for a drive of its own, which is not forgotten at the unmount: name the top directory
  * @retval QRA_ERROR_INTERNAL      the drive cannot be read; or, on internal storage, the playlist could not
  * be made
  * @retval QRA_ERROR_INVALID_PARAM the record, its directory or its name is null
