@@ -1,0 +1,76 @@
+#ifndef QRA_TESTS_DLNA_SERVER_DIRECTORY_SERVICE_H
+#define QRA_TESTS_DLNA_SERVER_DIRECTORY_SERVICE_H
+
+#include <libgupnp/gupnp.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/dlna/server/content.h"
+#include "tests/dlna/server/description.h"
+#include "tests/dlna/server/didl.h"
+#include "tests/dlna/server/faults.h"
+#include "tests/dlna/server/journal.h"
+
+/**
+ * The actions of the content directory, done properly unless a switch "ACTION.FAULT" says otherwise:
+ *
+ *   error CODE       answers that SOAP error          hold            answers at release()
+ *   delay MS         answers so much later            cut             breaks the connection amid the answer
+ *   endless          answers without an end           broken-soap     answers with broken XML
+ *   redirect URL     sends the client there           status CODE     answers with that HTTP status
+ *
+ * and for Browse and Search:
+ *
+ *   at-most N        fewer items than asked for       none-from N     nothing from that index on
+ *   total N          tells that total                 grow N, shrink N   the total changes with each answer
+ *   same-page        the first page always            duplicate-ids   all items of a page have one id
+ *   broken-didl, empty-didl, no-didl, not-utf8
+ */
+class DirectoryService {
+public:
+    DirectoryService(GUPnPRootDevice* device, const Identity& identity, Content& content, Faults& faults,
+                     Journal& journal);
+    ~DirectoryService();
+    DirectoryService(const DirectoryService&) = delete;
+    DirectoryService& operator=(const DirectoryService&) = delete;
+
+    /// Answers what is held, in the order in which it came.
+    void release();
+    /// Tells subscribers that the content changed.
+    void tell_change();
+
+private:
+    struct Page {
+        unsigned start = 0;
+        unsigned count = 0;
+    };
+
+    static void on_action(GUPnPService* service, GUPnPServiceAction* action, void* self);
+    static void on_query(GUPnPService* service, const char* variable, GValue* value, void* self);
+    static void on_control(SoupServer* server, SoupServerMessage* message, const char* path,
+                           GHashTable* query, void* self);
+    void answer(GUPnPServiceAction* action);
+    void browse(GUPnPServiceAction* action);
+    void search(GUPnPServiceAction* action);
+    void answer_page(GUPnPServiceAction* action, const std::vector<const Object*>& objects);
+    std::string page_didl(const std::string& name, const std::vector<const Object*>& objects);
+    unsigned total_of(const std::string& name, std::size_t true_total);
+    void create_object(GUPnPServiceAction* action);
+    void destroy_object(GUPnPServiceAction* action);
+    void set_bookmark(GUPnPServiceAction* action);
+    void update_object(GUPnPServiceAction* action);
+    void give_text(GUPnPServiceAction* action, const char* argument, const std::string& text);
+    std::string feature_list();
+
+    Identity identity_;
+    DidlStyle style_;
+    Content& content_;
+    Faults& faults_;
+    Journal& journal_;
+    GUPnPService* service_;
+    std::vector<GUPnPServiceAction*> held_;
+    int imported_ = 0;
+};
+
+#endif
