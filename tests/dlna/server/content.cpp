@@ -1,8 +1,6 @@
 #include "tests/dlna/server/content.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <filesystem>
 
 namespace {
@@ -36,21 +34,21 @@ const FileType* type_of(const std::filesystem::path& path) {
     return nullptr;
 }
 
-std::string number(const char* format, int value) {
-    char text[64];
-    std::snprintf(text, sizeof text, format, value);
-    return text;
+/// The number with zeros before it.
+std::string padded(int value, std::size_t digits) {
+    const std::string text = std::to_string(value);
+    return text.size() < digits ? std::string(digits - text.size(), '0') + text : text;
 }
 
 /// Titles go through the alphabet from both ends, so that their order is not that of the numbers.
 std::string title_of(int i) {
     const char first = static_cast<char>(i % 2 == 0 ? 'A' + i / 2 % 13 : 'Z' - i / 2 % 13);
     const char second = static_cast<char>('a' + i / 3 % 26);
-    return std::string{first, second} + number(" %05d", i);
+    return std::string{first, second} + " " + padded(i, 5);
 }
 
 std::string date_of(int i) {
-    return number("%04d", 2015 + i / 12 % 6) + number("-%02d", 1 + i % 12) + number("-%02d", 1 + i % 28);
+    return padded(2015 + i / 12 % 6, 4) + "-" + padded(1 + i % 12, 2) + "-" + padded(1 + i % 28, 2);
 }
 
 Object generated(Kind kind, int i) {
@@ -70,9 +68,9 @@ Object generated(Kind kind, int i) {
     } else {
         object.upnp_class = kMusic;
         object.mime = "audio/mpeg";
-        object.artist = "Artist " + number("%02d", i % 7);
-        object.album = "Album " + number("%02d", i % 11);
-        object.genre = "Genre " + number("%02d", i % 3);
+        object.artist = "Artist " + padded(i % 7, 2);
+        object.album = "Album " + padded(i % 11, 2);
+        object.genre = "Genre " + padded(i % 3, 2);
         object.seconds = 30 + i % 300;
     }
     return object;

@@ -14,6 +14,12 @@ namespace {
 constexpr char kServiceType[] = "urn:schemas-upnp-org:service:ContentDirectory:1";
 constexpr char kControlPath[] = "/ContentDirectory/control";
 constexpr char kAnyContainer[] = "DLNA.ORG_AnyContainer";
+/// All that clients may try, also where the server does not know it.
+constexpr const char* kActions[] = {
+    "Browse",         "Search",           "GetSystemUpdateID", "GetSearchCapabilities", "GetSortCapabilities",
+    "GetFeatureList", "X_GetFeatureList", "CreateObject",      "DestroyObject",         "UpdateObject",
+    "X_SetBookmark",
+};
 constexpr unsigned kInvalidAction = 401;
 constexpr unsigned kNoSuchObject = 701;
 constexpr unsigned kBadCriteria = 708;
@@ -75,7 +81,10 @@ DirectoryService::DirectoryService(GUPnPRootDevice* device, const Identity& iden
       faults_(faults),
       journal_(journal),
       service_(GUPNP_SERVICE(gupnp_device_info_get_service(GUPNP_DEVICE_INFO(device), kServiceType))) {
-    g_signal_connect(service_, "action-invoked", G_CALLBACK(on_action), this);
+    for (const char* action : kActions) {
+        g_signal_connect(service_, (std::string("action-invoked::") + action).c_str(), G_CALLBACK(on_action),
+                         this);
+    }
     g_signal_connect(service_, "query-variable", G_CALLBACK(on_query), this);
     GUPnPContext* context = gupnp_device_info_get_context(GUPNP_DEVICE_INFO(device));
     soup_server_add_early_handler(gupnp_context_get_server(context), kControlPath, on_control, this, nullptr);
