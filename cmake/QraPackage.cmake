@@ -6,11 +6,16 @@ set(CMAKE_INSTALL_RPATH $ORIGIN $ORIGIN/../${CMAKE_INSTALL_LIBDIR})
 # pkg-config files name the prefix relative to themselves, so that `cmake --install --prefix` may choose it.
 file(RELATIVE_PATH QRA_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 
-# qra_install_pkgconfig(NAME DESCRIPTION INCLUDEDIR)
+# qra_install_pkgconfig(NAME DESCRIPTION INCLUDEDIR [LIBRARY])
 #
-# Installs the pkg-config file NAME.pc for the library NAME, whose headers are in INCLUDEDIR below the prefix.
+# Installs the pkg-config file NAME.pc for the library NAME, or LIBRARY, whose headers are in INCLUDEDIR below the
+# prefix.
 function(qra_install_pkgconfig name description include_dir)
     set(QRA_PC_NAME ${name})
+    set(QRA_PC_LIBRARY ${name})
+    if(ARGC GREATER 3)
+        set(QRA_PC_LIBRARY ${ARGV3})
+    endif()
     set(QRA_PC_DESCRIPTION ${description})
     set(QRA_PC_INCLUDEDIR ${include_dir})
     set(pc_file ${PROJECT_BINARY_DIR}/pkgconfig/${name}.pc)

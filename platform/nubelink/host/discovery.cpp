@@ -1,0 +1,135 @@
+#include "platform/nubelink/host/discovery.h"
+
+#include <libgupnp/gupnp.h>
+
+#include <string_view>
+
+#include "platform/nubelink/host/log.h"
+#include "platform/nubelink/host/text.h"
+
+namespace nbl {
+
+namespace {
+
+constexpr char kMediaServer[] = "urn:schemas-upnp-org:device:MediaServer:1";
+constexpr std::string_view kAnyMediaServer = "urn:schemas-upnp-org:device:MediaServer:";
+// Answers come within the second of the MX; descriptions are fetched meanwhile and after it.
+constexpr unsigned kFirstSearch = 1300;
+constexpr size_t kLongestId = 200;
+constexpr size_t kLongestLocation = 1024;
+
+/// The device's id in a name that is announced, "uuid:...::urn:schemas-upnp-org:device:MediaServer:1"; empty
+/// if it is the name of something else.
+std::string device_id_of(std::string_view name) {
+    const size_t end = name.find("::");
+    if (end == std::string_view::npos || end > kLongestId || !starts_with(name, "uuid:") ||
+        !starts_with(name.substr(end + 2), kAnyMediaServer)) {
+        return {};
+    }
+    std::string id(name.substr(0, end));
+    repair_text(id);
+    return id;
+}
+
+}  // namespace
+
+/**
+ * One network of this host. The browser searches and tells who is gone, by goodbye or by age; who is there
+ * comes from the messages themselves, since the browser is silent where a device that it knows moves to
+ * another address.
+ */
+struct Discovery::Network {
+    Network(GUPnPContext* context, Announcements& to);
+    ~Network();
+    Network(const Network&) = delete;
+    Network& operator=(const Network&) = delete;
+
+    static void on_message(GSSDPClient*, const char* from, unsigned port, int type,
+                           SoupMessageHeaders* headers, Network* self);
+    static void on_gone(GSSDPResourceBrowser*, const char* name, Network* self);
+
+    Announcements& announcements;
+    const ObjectPtr<GUPnPContext> client;
+    const ObjectPtr<GSSDPResourceBrowser> browser;
+};
+
+Discovery::Network::Network(GUPnPContext* context, Announcements& to)
+    : announcements(to),
+      client(GUPNP_CONTEXT(g_object_ref(context))),
+      browser(gssdp_resource_browser_new(GSSDP_CLIENT(context), kMediaServer)) {
+    g_signal_connect(client.get(), "message-received", G_CALLBACK(&Network::on_message), this);
+    g_signal_connect(browser.get(), "resource-unavailable", G_CALLBACK(&Network::on_gone), this);
+    gssdp_resource_browser_set_mx(browser.get(), 1);
+    gssdp_resource_browser_set_active(browser.get(), TRUE);
+}
+
+Discovery::Network::~Network() {
+    g_signal_handlers_disconnect_by_data(browser.get(), this);
+    g_signal_handlers_disconnect_by_data(client.get(), this);
+}
+
+void Discovery::Network::on_message(GSSDPClient*, const char*, unsigned, int, SoupMessageHeaders* headers,
+                                    Network* self) {
+    const char* name = soup_message_headers_get_one(headers, "USN");
+    const char* location = soup_message_headers_get_one(headers, "Location");
+    const char* subtype = soup_message_headers_get_one(headers, "NTS");
+    if (name == nullptr || location == nullptr || g_strcmp0(subtype, "ssdp:byebye") == 0) {
+        return;
+    }
+    const std::string device_id = device_id_of(name);
+    if (!device_id.empty() && std::string_view(location).size() <= kLongestLocation &&
+        is_web_address(location)) {
+        self->announcements.on_alive(device_id, location, self);
+    }
+}
+
+void Discovery::Network::on_gone(GSSDPResourceBrowser*, const char* name, Network* self) {
+    const std::string device_id = device_id_of(name);
+    if (!device_id.empty()) {
+        self->announcements.on_gone(device_id, self);
+    }
+}
+
+Discovery::Discovery(const HttpClient& http, DeviceTable& table, Announcements::Report report)
+    : table_(table),
+      announcements_(http, table, std::move(report)),
+      manager_(gupnp_context_manager_create(0)) {
+    if (!running()) {
+        return;
+    }
+    g_signal_connect(manager_.get(), "context-available", G_CALLBACK(&Discovery::on_network), this);
+    g_signal_connect(manager_.get(), "context-unavailable", G_CALLBACK(&Discovery::on_network_gone), this);
+    table_.set_searched(false);
+    first_search_.start(kFirstSearch, [this] { table_.set_searched(true); });
+}
+
+Discovery::~Discovery() {
+    if (running()) {
+        g_signal_handlers_disconnect_by_data(manager_.get(), this);
+    }
+    networks_.clear();
+    table_.clear();
+    table_.set_searched(true);
+}
+
+void Discovery::refresh() {
+    for (const auto& [context, network] : networks_) {
+        gssdp_resource_browser_rescan(network->browser.get());
+    }
+}
+
+void Discovery::on_network(GUPnPContextManager*, GUPnPContext* context, Discovery* self) {
+    NBL_LOG_INFO("looking for media servers on %s", gssdp_client_get_interface(GSSDP_CLIENT(context)));
+    self->networks_[context] = std::make_unique<Network>(context, self->announcements_);
+}
+
+void Discovery::on_network_gone(GUPnPContextManager*, GUPnPContext* context, Discovery* self) {
+    const auto found = self->networks_.find(context);
+    if (found != self->networks_.end()) {
+        const std::unique_ptr<Network> network = std::move(found->second);
+        self->networks_.erase(found);
+        self->announcements_.on_network_gone(network.get());
+    }
+}
+
+}  // namespace nbl

@@ -1,0 +1,127 @@
+#include "platform/nubelink/host/page_loop.h"
+
+#include <algorithm>
+#include <climits>
+#include <utility>
+
+#include "platform/nubelink/host/didl_reader.h"
+#include "platform/nubelink/host/text.h"
+
+namespace nbl {
+
+namespace {
+
+SoapQuestion question_for(const PageSource& source, int64_t start, int64_t count) {
+    SoapQuestion question;
+    const SoapArguments range = {{"Filter", "*"},
+                                 {"StartingIndex", std::to_string(start)},
+                                 {"RequestedCount", std::to_string(count)},
+                                 {"SortCriteria", ""}};
+    if (source.kind == PageSource::Kind::kSearch) {
+        question.action = "Search";
+        question.arguments = {{"ContainerID", source.id}, {"SearchCriteria", source.criteria}};
+    } else {
+        const bool children = source.kind == PageSource::Kind::kChildren;
+        question.action = "Browse";
+        question.arguments = {{"ObjectID", source.id},
+                              {"BrowseFlag", children ? "BrowseDirectChildren" : "BrowseMetadata"}};
+    }
+    question.arguments.insert(question.arguments.end(), range.begin(), range.end());
+    return question;
+}
+
+int64_t count_in(const SoapAnswer& answer, std::string_view name) {
+    const uint64_t number = number_of(trimmed(answer.find(name))).value_or(0);
+    return static_cast<int64_t>(std::min<uint64_t>(number, INT_MAX));
+}
+
+Page read_page(const SoapAnswer& answer, nbl_provider_t provider) {
+    Page page;
+    page.error = answer.error;
+    if (answer.error != NBL_ERROR_NONE) {
+        return page;
+    }
+    // References to characters can bring in again what the envelope was freed of.
+    std::string document(answer.find("Result"));
+    repair_text(document);
+    page.is_whole = read_didl(document, provider, page.items);
+    page.total = count_in(answer, "TotalMatches");
+    page.returned = count_in(answer, "NumberReturned");
+    if (!page.is_whole && page.items.empty() && page.returned == 0) {
+        page.error = NBL_ERROR_BAD_ANSWER;
+    }
+    return page;
+}
+
+}  // namespace
+
+PageCall::PageCall(Session& session, nbl_provider_t provider, const PageSource& source, int64_t start,
+                   int64_t count, Done done) {
+    const DevicePtr device = session.device(provider->id);
+    if (device == nullptr) {
+        gone_.start(0, [done = std::move(done)] {
+            Page page;
+            page.error = NBL_ERROR_DEVICE_GONE;
+            done(std::move(page));
+        });
+        return;
+    }
+    call_.emplace(session.http(), device->description.content_directory, question_for(source, start, count),
+                  [&session, provider, done = std::move(done)](const SoapAnswer& answer) {
+                      session.on_call_error(provider->id, answer.error);
+                      done(read_page(answer, provider));
+                  });
+}
+
+PageLoop::PageLoop(Session& session, nbl_provider_t provider, PageSource source, Range range, OnPage on_page,
+                   OnEnd on_end)
+    : session_(session),
+      provider_(provider),
+      source_(std::move(source)),
+      range_(range),
+      on_page_(std::move(on_page)),
+      on_end_(std::move(on_end)) {
+    ask();
+}
+
+void PageLoop::ask() {
+    asked_ = std::min(range_.page, range_.most - got_);
+    call_ = std::make_unique<PageCall>(session_, provider_, source_, range_.start + got_, asked_,
+                                       [this](Page page) { take(std::move(page)); });
+}
+
+void PageLoop::take(Page page) {
+    const std::unique_ptr<PageCall> ended = std::move(call_);
+    // Copies: either may end the loop, and with it what it was given.
+    const OnPage on_page = on_page_;
+    const OnEnd on_end = on_end_;
+    if (page.error != NBL_ERROR_NONE) {
+        on_end(page.error);
+        return;
+    }
+    if (page.items.size() > static_cast<size_t>(asked_)) {
+        page.items.resize(static_cast<size_t>(asked_));
+    }
+    const auto count = static_cast<int64_t>(page.items.size());
+    // Of a broken page the objects that could not be read are passed over too.
+    const int64_t passed = page.is_whole ? count : std::max(count, std::min(page.returned, asked_));
+    const bool is_new = count == 0 || seen_.insert(fingerprint_of(page.items)).second;
+    const int64_t place = range_.start + got_;
+    got_ += passed;
+    const bool complete = got_ >= range_.most || (page.total > 0 && range_.start + got_ >= page.total);
+    const bool is_last = passed == 0 || !is_new || complete;
+    const std::weak_ptr<bool> alive = alive_;
+    if (count > 0 && is_new) {
+        on_page(std::move(page.items), place, page.total);
+    }
+    if (alive.expired()) {
+        return;
+    }
+    if (is_last) {
+        on_end(NBL_ERROR_NONE);
+    } else {
+        ask();
+    }
+}
+
+}  // namespace nbl

@@ -1,0 +1,95 @@
+#ifndef QRA_NUBELINK_PAGE_LOOP_H
+#define QRA_NUBELINK_PAGE_LOOP_H
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/nubelink/host/item_record.h"
+#include "platform/nubelink/host/service.h"
+#include "platform/nubelink/host/soap_call.h"
+
+namespace nbl {
+
+/// What pages are asked of: a folder's children, one object, or what a search finds.
+struct PageSource {
+    enum class Kind { kChildren, kObject, kSearch };
+    Kind kind = Kind::kChildren;
+    std::string id;        ///< of the folder, the object, or the folder that is searched
+    std::string criteria;  ///< of a search
+};
+
+/// One answer of a server.
+struct Page {
+    int error = 0;  ///< an nbl_error_e; items are there only without one
+    std::vector<ItemPtr> items;
+    int64_t total = 0;     ///< as the server says; 0 for unknown
+    int64_t returned = 0;  ///< how many objects the server says it gave
+    bool is_whole = true;  ///< its DIDL was well-formed
+};
+
+/**
+ * One page of a server. `done` is called once on the worker, never from inside the constructor; the end of
+ * the call before that calls it off. An answer in which nothing can be understood is NBL_ERROR_BAD_ANSWER.
+ */
+class PageCall {
+public:
+    using Done = std::function<void(Page)>;
+    /// `provider` lives on; the server need not be there: that is NBL_ERROR_DEVICE_GONE.
+    PageCall(Session& session, nbl_provider_t provider, const PageSource& source, int64_t start,
+             int64_t count, Done done);
+
+private:
+    Timer gone_;
+    std::optional<SoapCall> call_;
+};
+
+/**
+ * Asks for pages one after the other, until what is wanted is there or the server has no more. A server may
+ * give fewer objects than it is asked for, more, none with more to come, the same page again, and totals that
+ * are wrong or change: the loop ends, with what there is.
+ *
+ * Lives on the worker's thread. `on_page` and `on_end` may end the loop; the end comes once, and nothing
+ * after it.
+ */
+class PageLoop {
+public:
+    /// So many objects are taken of one source at most.
+    static constexpr int64_t kMostItems = 200'000;
+
+    struct Range {
+        int64_t start = 0;
+        int64_t most = kMostItems;  ///< objects in all
+        int64_t page = 200;         ///< objects to ask for at once
+    };
+    /// `place` is that of the first item; `total` is what the server says.
+    using OnPage = std::function<void(std::vector<ItemPtr> items, int64_t place, int64_t total)>;
+    using OnEnd = std::function<void(int error)>;
+
+    PageLoop(Session& session, nbl_provider_t provider, PageSource source, Range range, OnPage on_page,
+             OnEnd on_end);
+
+private:
+    void ask();
+    void take(Page page);
+
+    Session& session_;
+    nbl_provider_t const provider_;
+    const PageSource source_;
+    const Range range_;
+    const OnPage on_page_;
+    const OnEnd on_end_;
+    int64_t asked_ = 0;  ///< objects in the question under way
+    int64_t got_ = 0;    ///< places gone through since the start
+    std::set<uint64_t> seen_;
+    std::unique_ptr<PageCall> call_;
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+};
+
+}  // namespace nbl
+
+#endif
