@@ -88,6 +88,8 @@ private:
             service_.type = content_directory_type(text_);
         } else if (name == "controlURL") {
             service_.control_url = trimmed(text_);
+        } else if (name == "SCPDURL") {
+            service_.description_url = trimmed(text_);
         } else if (name == "service" && !service_.type.empty()) {
             device.description.content_directory = service_;
         }
@@ -125,6 +127,8 @@ bool read_device_description(std::string document, const std::string& location, 
     const std::string& base = handler.base().empty() ? location : handler.base();
     std::string& address = description.content_directory.control_url;
     address = absolute_address(base, address);
+    std::string& actions = description.content_directory.description_url;
+    actions = actions.empty() ? actions : absolute_address(base, actions);
     return !description.content_directory.type.empty() && !address.empty();
 }
 

@@ -15,6 +15,7 @@ namespace nbl {
 struct ServiceAddress {
     std::string type;         ///< "urn:schemas-upnp-org:service:ContentDirectory:1"
     std::string control_url;  ///< absolute, http or https
+    std::string description_url;  ///< of the actions that it announces; empty without one
 };
 
 using SoapArguments = std::vector<std::pair<std::string, std::string>>;

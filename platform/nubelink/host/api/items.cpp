@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "nubelink.h"
+#include "platform/nubelink/host/bookmark_request.h"
 #include "platform/nubelink/host/item_record.h"
 #include "platform/nubelink/host/item_values.h"
 
@@ -212,6 +213,6 @@ int nbl_item_get_bookmark(nbl_item_t item, int* number) {
     return give_number_of(item, number, [](const nbl_item_s& record) {
         const auto position = nbl::server_bookmark_of(record);
         const bool is_of_server = record.provider() != nullptr;
-        return position || !is_of_server ? position : std::optional<int>(0);
+        return position || !is_of_server ? position : std::optional<int>(nbl::kept_position_of(record));
     });
 }
