@@ -30,9 +30,11 @@ Announcements::~Announcements() = default;
 void Announcements::on_alive(const std::string& device_id, const std::string& location, const void* network) {
     auto found = known_.find(device_id);
     if (found == known_.end()) {
-        if (known_.size() >= kMostDevices) {
-            NBL_LOG_WARNING("more than %zu media servers: %s is not looked at", kMostDevices,
-                            printable(device_id).c_str());
+        const bool was_full = std::exchange(full_, known_.size() >= kMostDevices);
+        if (full_) {
+            if (!was_full) {
+                NBL_LOG_WARNING("more than %zu media servers: no more are looked at", kMostDevices);
+            }
             return;
         }
         found = known_.emplace(device_id, std::make_unique<Known>()).first;
@@ -40,9 +42,9 @@ void Announcements::on_alive(const std::string& device_id, const std::string& lo
     Known& known = *found->second;
     std::string& here = known.locations[network];
     const bool is_new = here != location;
-    const bool idle = known.call == nullptr && known.used != location;
     here = location;
-    if (is_new || (idle && known.failures > 0)) {
+    const bool gave_up = known.failures >= kMostFailures;
+    if (is_new || gave_up) {
         known.failures = 0;
         update(device_id);
     }
@@ -135,13 +137,11 @@ void Announcements::on_failure(const std::string& device_id) {
     const auto found = known_.find(device_id);
     Known& known = *found->second;
     NBL_LOG_WARNING("no description of a media server at %s", printable(known.asked).c_str());
-    if (known.in_doubt) {
-        forget(found);
-        return;
-    }
-    if (++known.failures < kMostFailures) {
+    if (!known.in_doubt && ++known.failures < kMostFailures) {
         known.again.start(kFirstPause << known.failures,
                           [this, device_id] { update(std::string(device_id)); });
+    } else if (known.in_doubt || table_.find(device_id) == nullptr) {
+        forget(found);  // The next announcement brings it back.
     }
 }
 

@@ -118,7 +118,7 @@ std::vector<const char*> pointers_to(const std::vector<std::string>& texts) {
 
 bool read_device_description(std::string document, const std::string& location, const std::string& device_id,
                              DeviceDescription& description) {
-    make_utf8(document);
+    mend_document(document);
     DescriptionHandler handler(device_id, description);
     read_xml(trimmed(document), handler);
     if (!handler.found()) {

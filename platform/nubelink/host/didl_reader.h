@@ -20,7 +20,7 @@ namespace nbl {
  * The document comes from a stranger: where it is broken, the objects that can be understood are read all the
  * same, and an object that lies inside another one is left out.
  *
- * @param document  UTF-8 as repair_text() leaves it
+ * @param document  UTF-8 as mend_xml() leaves it
  * @param provider  the server that it comes from
  * @param items     the objects are appended to it
  * @return whether it was well-formed to its end; an empty document is

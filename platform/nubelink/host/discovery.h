@@ -74,6 +74,7 @@ private:
     DeviceTable& table_;
     const Report report_;
     KnownMap known_;
+    bool full_ = false;  ///< said so in the log
 };
 
 /**

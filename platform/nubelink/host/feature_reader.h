@@ -36,7 +36,7 @@ constexpr size_t kMostContainers = 256;
  * in <objectIDs>. It comes from a stranger: what cannot be understood is left out, and texts are cut at 1,024
  * bytes.
  *
- * @param document  UTF-8 as repair_text() leaves it
+ * @param document  UTF-8 as mend_xml() leaves it
  */
 std::vector<FeaturePtr> read_features(std::string_view document);
 

@@ -13,7 +13,7 @@ constexpr char kStandardAction[] = "GetFeatureList";
 
 std::vector<FeaturePtr> features_in(const SoapAnswer& answer) {
     std::string document(answer.find("FeatureList"));
-    repair_text(document);
+    mend_xml(document);
     return read_features(document);
 }
 

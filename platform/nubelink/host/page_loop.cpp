@@ -43,7 +43,7 @@ Page read_page(const SoapAnswer& answer, nbl_provider_t provider) {
     }
     // References to characters can bring in again what the envelope was freed of.
     std::string document(answer.find("Result"));
-    repair_text(document);
+    mend_xml(document);
     page.is_whole = read_didl(document, provider, page.items);
     page.total = count_in(answer, "TotalMatches");
     page.returned = count_in(answer, "NumberReturned");

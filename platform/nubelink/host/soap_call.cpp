@@ -119,7 +119,7 @@ SoapAnswer read_soap_answer(HttpAnswer http) {
     if (http.error != NBL_ERROR_NONE) {
         return answer;
     }
-    make_utf8(http.body);
+    mend_document(http.body);
     AnswerReader reader(answer.arguments);
     read_xml(http.body, reader);
     if (reader.is_fault()) {

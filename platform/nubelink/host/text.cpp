@@ -41,6 +41,18 @@ size_t find_broken(std::string_view text) {
     return at;
 }
 
+/// Whether a text that begins with an ampersand begins with a reference to a character or a known entity.
+bool is_reference(std::string_view text) {
+    text.remove_prefix(1);
+    for (const std::string_view known : {"lt;", "gt;", "amp;", "quot;", "apos;"}) {
+        if (starts_with(text, known)) {
+            return true;
+        }
+    }
+    constexpr size_t kLongestNumber = 9;
+    return starts_with(text, "#") && text.substr(0, kLongestNumber).find(';') != std::string_view::npos;
+}
+
 /// The encoding that an XML declaration names; empty for none.
 std::string declared_encoding(std::string_view document) {
     if (!starts_with(document, "<?xml")) {
@@ -76,7 +88,7 @@ void repair_text(std::string& text) {
     text = std::move(repaired);
 }
 
-void make_utf8(std::string& document) {
+void mend_document(std::string& document) {
     const std::string encoding = declared_encoding(document);
     if (!encoding.empty() && g_ascii_strcasecmp(encoding.c_str(), "utf-8") != 0) {
         size_t size = 0;
@@ -86,7 +98,34 @@ void make_utf8(std::string& document) {
             document.assign(converted.get(), size);
         }
     }
+    mend_xml(document);
+}
+
+void escape_loose_ampersands(std::string& document) {
+    std::string escaped;
+    std::string_view rest = document;
+    size_t from = 0;
+    for (size_t at = rest.find('&'); at != std::string_view::npos; at = rest.find('&', from)) {
+        from = at + 1;
+        if (!is_reference(rest.substr(at))) {
+            escaped += rest.substr(0, at);
+            escaped += "&amp;";
+            rest.remove_prefix(from);
+            from = 0;
+        }
+    }
+    if (!escaped.empty()) {
+        escaped += rest;
+        document = std::move(escaped);
+    }
+}
+
+void mend_xml(std::string& document) {
     repair_text(document);
+    // What stands in a CDATA section is no reference anyway.
+    if (document.find("<![CDATA[") == std::string::npos) {
+        escape_loose_ampersands(document);
+    }
 }
 
 size_t cut_at_character(std::string_view text, size_t most) {

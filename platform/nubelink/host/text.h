@@ -13,9 +13,15 @@ namespace nbl {
 /// forbids, become U+FFFD each; all others stay. Costs nothing where there are none.
 void repair_text(std::string& text);
 
-/// A document from a stranger as UTF-8: converted where its XML declaration names another encoding, then
-/// repaired.
-void make_utf8(std::string& document);
+/// Escapes what looks like the beginning of a reference in XML and is none: "Tom & Jerry", "?a=1&b=2".
+void escape_loose_ampersands(std::string& document);
+
+/// Makes XML from a stranger, decoded already, what a parser can read: both of the above.
+void mend_xml(std::string& document);
+
+/// Makes a document from a stranger, as it came, what a parser can read: as UTF-8, converted where its XML
+/// declaration names another encoding, and mended.
+void mend_document(std::string& document);
 
 /// The length of the longest beginning of `text` that has at most `most` bytes and ends between two
 /// characters.

@@ -48,7 +48,7 @@ constexpr int kDeepestXml = 64;
  * all the same. A document type ends the reading, and with it entities, attribute defaults and everything
  * that makes a parser fetch or expand; so do elements that lie deeper than kDeepestXml.
  *
- * @param document  UTF-8 as repair_text() leaves it; an encoding that it declares is not looked at
+ * @param document  UTF-8 as mend_xml() leaves it; an encoding that it declares is not looked at
  * @return whether it was well-formed to its end
  */
 bool read_xml(std::string_view document, XmlHandler& handler);

@@ -1,0 +1,102 @@
+// What is said to servers and what their answers say.
+#include <gtest/gtest.h>
+
+#include "nubelink.h"
+#include "platform/nubelink/host/feature_request.h"
+#include "platform/nubelink/host/search_criteria.h"
+#include "platform/nubelink/host/soap_call.h"
+
+using namespace nbl;
+
+namespace {
+
+SoapAnswer answer_to(std::string body, unsigned status = 200) {
+    HttpAnswer http;
+    http.status = status;
+    http.body = std::move(body);
+    return read_soap_answer(std::move(http));
+}
+
+std::string enveloped(const std::string& content) {
+    return "<?xml version=\"1.0\"?><s:Envelope "
+           "xmlns:s=\"http://schemas.xmlsoap.org/soap/envelope/\"><s:Body>" +
+           content + "</s:Body></s:Envelope>";
+}
+
+std::string fault(const std::string& code) {
+    return enveloped(
+        "<s:Fault><faultcode>s:Client</faultcode><faultstring>UPnPError</faultstring><detail><UPnPError>"
+        "<errorCode>" +
+        code + "</errorCode><errorDescription>no</errorDescription></UPnPError></detail></s:Fault>");
+}
+
+TEST(SoapQuestion, EscapesItsArguments) {
+    SoapQuestion question;
+    question.action = "Browse";
+    question.arguments = {{"ObjectID", "<a>&\"\xFF"}, {"Filter", "*"}};
+    const std::string body = soap_question_body("urn:x:1", question);
+    EXPECT_NE(body.find("<u:Browse xmlns:u=\"urn:x:1\"><ObjectID>&lt;a&gt;&amp;&quot;\xEF\xBF\xBD</ObjectID>"
+                        "<Filter>*</Filter></u:Browse>"),
+              std::string::npos)
+        << body;
+}
+
+TEST(SoapAnswer, GivesItsArgumentsUnescaped) {
+    const SoapAnswer answer = answer_to(enveloped(
+        "<u:BrowseResponse xmlns:u=\"x\"><Result>&lt;a&gt;K\xC3\xA4se &amp;amp; B\xE4r&lt;/a&gt;</Result>"
+        "<NumberReturned>1</NumberReturned></u:BrowseResponse>"));
+    EXPECT_EQ(answer.error, NBL_ERROR_NONE);
+    EXPECT_EQ(answer.find("Result"), "<a>Käse &amp; B\xEF\xBF\xBDr</a>");
+    EXPECT_EQ(answer.find("NumberReturned"), "1");
+    EXPECT_EQ(answer.find("TotalMatches"), "");
+}
+
+TEST(SoapAnswer, TellsTheServersErrorsApart) {
+    EXPECT_EQ(answer_to(fault("401"), 500).error, NBL_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(answer_to(fault("501"), 500).error, NBL_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(answer_to(fault("602"), 500).error, NBL_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(answer_to(fault("701"), 500).error, NBL_ERROR_ITEM_NOT_EXIST);
+    EXPECT_EQ(answer_to(fault("710"), 500).error, NBL_ERROR_ITEM_NOT_EXIST);
+    EXPECT_EQ(answer_to(fault("709"), 500).error, NBL_ERROR_REFUSED);
+    EXPECT_EQ(answer_to(fault("709"), 500).upnp_error, 709);
+    EXPECT_EQ(answer_to(fault("nonsense"), 500).error, NBL_ERROR_REFUSED);
+    EXPECT_EQ(answer_to(fault("701"), 200).error, NBL_ERROR_ITEM_NOT_EXIST) << "whatever the status";
+}
+
+TEST(SoapAnswer, TakesTheStatusWhereTheBodySaysNothing) {
+    EXPECT_EQ(answer_to("", 401).error, NBL_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(answer_to("Not Implemented", 501).error, NBL_ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(answer_to("", 404).error, NBL_ERROR_REFUSED);
+    EXPECT_EQ(answer_to("", 302).error, NBL_ERROR_REFUSED);
+}
+
+TEST(SoapAnswer, IsBadWithoutAResponse) {
+    for (const char* body : {"", "<html/>", "garbage", "<s:Envelope><s:Body/></s:Envelope>"}) {
+        EXPECT_EQ(answer_to(body).error, NBL_ERROR_BAD_ANSWER) << body;
+    }
+}
+
+TEST(SoapAnswer, PassesTheCallsErrorOn) {
+    HttpAnswer http;
+    http.error = NBL_ERROR_TIMEOUT;
+    EXPECT_EQ(read_soap_answer(http).error, NBL_ERROR_TIMEOUT);
+}
+
+TEST(SearchCriteria, AskForTypesAndAKeyword) {
+    nbl_searchcriteria_s criteria{"say \"a\\b\"", NBL_ITEM_TYPE_IMAGE | NBL_ITEM_TYPE_VIDEO};
+    EXPECT_EQ(search_text(criteria),
+              "(upnp:class derivedfrom \"object.item.imageItem\" or upnp:class derivedfrom "
+              "\"object.item.videoItem\") "
+              "and dc:title contains \"say \\\"a\\\\b\\\"\"");
+    EXPECT_EQ(search_text({"", NBL_ITEM_TYPE_MUSIC}), "(upnp:class derivedfrom \"object.item.audioItem\")");
+    EXPECT_EQ(search_text({"", 0}), "upnp:class derivedfrom \"object.item\"");
+}
+
+TEST(SearchCapabilities, SayWhetherObjectsCanBeFoundByClass) {
+    EXPECT_TRUE(can_search_by_class("dc:title, upnp:class ,dc:date"));
+    EXPECT_TRUE(can_search_by_class("*"));
+    EXPECT_FALSE(can_search_by_class("dc:title"));
+    EXPECT_FALSE(can_search_by_class(""));
+}
+
+}  // namespace
