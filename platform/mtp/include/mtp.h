@@ -27,7 +27,8 @@
  *  - What a device sends is not trusted: sizes, counts and names that cannot be are MTP_ERROR_IO, or are cut.
  *
  * Files
- *  - Functions that write a file create it or replace what is there, and take it away again when they fail.
+ *  - Functions that write a file create it or replace what is there, and take it away again when they fail;
+ * what is no regular file stays.
  */
 #ifndef QRA_PLATFORM_MTP_H
 #define QRA_PLATFORM_MTP_H
@@ -178,11 +179,12 @@ int mtp_deviceinfo_get_usb_info(mtp_device_h device, mtp_usb_info* info);
 int mtp_get_storages(mtp_device_h device, mtp_storage_h** ids, int* count);
 
 /**
- * What lies directly in a folder, in the device's order.
+ * What lies directly in a folder, in the device's order. Asks for the list, and describes each object that
+ * was not described before: mtp_objectinfo_get_object_info() then costs nothing. An object that vanishes
+ * meanwhile is left out.
  *
  * @param storage       the storage; it matters for the root only
- * @param format        MTP_FILETYPE_ALL costs one transaction; for one type every object of the folder is
- * asked
+ * @param format        MTP_FILETYPE_ALL, or one type
  * @param parent        the folder; 0 for the root of the storage
  * @param[out] handles  array of object handles, for free(); null for an empty folder
  * @param[out] count    how many
