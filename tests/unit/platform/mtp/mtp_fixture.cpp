@@ -3,11 +3,6 @@
 #include <cstdlib>
 #include <filesystem>
 
-// libmtp keeps what it had when a session could not be opened: texts, tables, and the devices of libusb.
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libmtp.so\nleak:LIBMTP_Open_Raw_Device_Uncached\nleak:libusb_context::refresh\n";
-}
-
 namespace {
 
 template <typename Handle>
