@@ -100,7 +100,7 @@ SoapArguments update_arguments(const nbl_item_s& item, int seconds) {
 }  // namespace
 
 std::vector<AnnouncedAction> read_announced_actions(std::string document) {
-    make_utf8(document);
+    mend_document(document);
     ActionsHandler handler;
     read_xml(trimmed(document), handler);
     return std::move(handler.actions);
