@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/nubelink/host/text.h"
+#include "platform/nubelink/host/view_tree.h"
 
 namespace nbl {
 
@@ -10,6 +11,7 @@ namespace {
 
 constexpr char kVendorAction[] = "X_GetFeatureList";
 constexpr char kStandardAction[] = "GetFeatureList";
+constexpr char kServiceFeature[] = "DCM";
 
 std::vector<FeaturePtr> features_in(const SoapAnswer& answer) {
     std::string document(answer.find("FeatureList"));
@@ -68,8 +70,22 @@ void FeatureRequest::on_standard_features(const SoapAnswer& answer) {
     }
 }
 
-void FeatureRequest::on_search_capabilities(const SoapAnswer&) {
-    finish(NBL_FEATURE_SOURCE_NONE);
+void FeatureRequest::on_search_capabilities(const SoapAnswer& answer) {
+    if (!can_search_by_class(answer.find("SearchCaps"))) {
+        finish(NBL_FEATURE_SOURCE_NONE);
+        return;
+    }
+    add_service_views();
+    finish(NBL_FEATURE_SOURCE_SERVICE);
+}
+
+void FeatureRequest::add_service_views() {
+    auto feature = std::make_unique<nbl_feature_s>();
+    feature->name = kServiceFeature;
+    for (const View& view : all_views()) {
+        add_container(*feature, view.id);
+    }
+    features_.push_back(std::move(feature));
 }
 
 bool FeatureRequest::has_sorted_containers() const {
@@ -79,6 +95,7 @@ bool FeatureRequest::has_sorted_containers() const {
 }
 
 void FeatureRequest::finish(int source) {
+    provider_->feature_source = source;
     if (const std::unique_ptr<Request> self = session_->requests().take(token())) {
         tell(source, NBL_ERROR_NONE);
     }

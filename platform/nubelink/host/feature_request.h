@@ -37,6 +37,7 @@ private:
     void on_standard_features(const SoapAnswer& answer);
     void on_search_capabilities(const SoapAnswer& answer);
     bool has_sorted_containers() const;
+    void add_service_views();
     void finish(int source);
     void tell(int source, int error);
 

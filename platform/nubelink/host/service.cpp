@@ -4,6 +4,7 @@
 
 #include "platform/nubelink/host/discovery.h"
 #include "platform/nubelink/host/log.h"
+#include "platform/nubelink/host/ordered_views.h"
 
 namespace nbl {
 
@@ -16,6 +17,7 @@ constexpr std::chrono::milliseconds kFirstSearch(1500);
 Session::Session(RequestTable& requests, DeviceTable& devices, std::function<void(int, nbl_device_t)> report)
     : requests_(requests),
       devices_(devices),
+      views_(std::make_unique<OrderedViews>(*this)),
       discovery_(std::make_unique<Discovery>(http_, devices, std::move(report))) {}
 
 Session::~Session() = default;

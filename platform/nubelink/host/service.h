@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "nubelink.h"
@@ -19,11 +20,14 @@ struct nbl_provider_s {
 
     const std::string id;
     nbl::PageMemory pages;  ///< of the worker alone
+    /// An nbl_feature_source_e, once it is known; of the worker alone.
+    std::optional<int> feature_source;
 };
 
 namespace nbl {
 
 class Discovery;
+class OrderedViews;
 
 /**
  * What requests work with while the service runs: from the start that a client asks for to the end. Lives on
@@ -43,6 +47,7 @@ public:
     /// The server as it is now: a request asks anew for each call, since its address may change. Null if it
     /// has gone.
     DevicePtr device(const std::string& device_id) const { return devices_.find(device_id); }
+    OrderedViews& views() { return *views_; }
     void refresh();
     /// To be told each error of a call to a server: one that does not answer may have gone without a word.
     void on_call_error(const std::string& device_id, int error);
@@ -51,6 +56,7 @@ private:
     RequestTable& requests_;
     DeviceTable& devices_;
     const HttpClient http_;
+    const std::unique_ptr<OrderedViews> views_;
     const std::unique_ptr<Discovery> discovery_;
 };
 

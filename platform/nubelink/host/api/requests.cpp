@@ -6,6 +6,7 @@
 #include "platform/nubelink/host/feature_request.h"
 #include "platform/nubelink/host/search_criteria.h"
 #include "platform/nubelink/host/service.h"
+#include "platform/nubelink/host/view_request.h"
 
 using nbl::Service;
 
@@ -47,10 +48,15 @@ int nbl_provider_browse(nbl_provider_t provider, nbl_item_t item, int start, int
         is_wrong_range(start, count)) {
         return NBL_ERROR_INVALID_PARAMETER;
     }
-    auto request = std::make_unique<nbl::BrowseRequest>(provider, std::string(item->text("@id")), start,
-                                                        std::min(count, kMostAtOnce),
-                                                        nbl::ItemClient{callback, user_data});
-    return Service::instance().start(std::move(request), token);
+    const std::string id(item->text("@id"));
+    const int most = std::min(count, kMostAtOnce);
+    const nbl::ItemClient client{callback, user_data};
+    if (nbl::view_of(id) != nullptr) {
+        return Service::instance().start(
+            std::make_unique<nbl::ViewBrowseRequest>(provider, id, start, most, client), token);
+    }
+    return Service::instance().start(
+        std::make_unique<nbl::BrowseRequest>(provider, id, start, most, client), token);
 }
 
 int nbl_provider_browse_item(nbl_provider_t provider, const char* id, nbl_provider_cb callback,
@@ -58,9 +64,11 @@ int nbl_provider_browse_item(nbl_provider_t provider, const char* id, nbl_provid
     if (provider == nullptr || id == nullptr || callback == nullptr || token == nullptr) {
         return NBL_ERROR_INVALID_PARAMETER;
     }
-    auto request =
-        std::make_unique<nbl::BrowseItemRequest>(provider, id, nbl::ItemClient{callback, user_data});
-    return Service::instance().start(std::move(request), token);
+    const nbl::ItemClient client{callback, user_data};
+    if (nbl::view_of(id) != nullptr) {
+        return Service::instance().start(std::make_unique<nbl::ViewItemRequest>(provider, id, client), token);
+    }
+    return Service::instance().start(std::make_unique<nbl::BrowseItemRequest>(provider, id, client), token);
 }
 
 int nbl_provider_search(nbl_provider_t provider, nbl_searchcriteria_t criteria, int start, int count,
