@@ -47,7 +47,8 @@ Page read_page(const SoapAnswer& answer, nbl_provider_t provider) {
     page.is_whole = read_didl(document, provider, page.items);
     page.total = count_in(answer, "TotalMatches");
     page.returned = count_in(answer, "NumberReturned");
-    if (!page.is_whole && page.items.empty() && page.returned == 0) {
+    const bool says_something = page.is_whole && !answer.arguments.empty();
+    if (!says_something && page.items.empty() && page.returned == 0) {
         page.error = NBL_ERROR_BAD_ANSWER;
     }
     return page;

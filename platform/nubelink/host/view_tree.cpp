@@ -22,7 +22,7 @@ using Name = std::string (*)(const nbl_item_s&);
 using Key = std::string (*)(const nbl_item_s&);
 
 std::string folded(std::string_view text) {
-    const TextPtr out(g_utf8_casefold(text.data(), static_cast<gssize>(text.size())));
+    const TextPtr out(g_utf8_casefold(std::string(text).c_str(), -1));
     return out.get();
 }
 
