@@ -10,7 +10,6 @@
 #include "libqra-agent/agent/src/qra_local_agent.h"
 #include "libqra-agent/agent/src/qra_pvr_info.h"
 #include "libqra-agent/agent/src/qra_type.h"
-#include "libqra-agent/share/src/qra_ptp_file.h"
 #include "libqra-agent/share/src/qra_share_common.h"
 
 namespace {
@@ -82,8 +81,6 @@ bool IsInDatabase(int nFileType) {
 }
 
 }  // namespace
-
-CQRACopyThread::CQRACopyThread() : m_pPTPFile(qra_make_ptp_file()) {}
 
 CQRACopyThread::~CQRACopyThread() {
     t_EndJob();
@@ -228,7 +225,7 @@ bool CQRACopyThread::m_OpenSrcAndDstFile(const std::string& strPath, const std::
 
 bool CQRACopyThread::m_OpenSourceFile(const std::string& strPath) {
     if (m_IsPTP()) {
-        if (m_pPTPFile == nullptr || !m_pPTPFile->Open(strPath)) {
+        if (!m_PTPFile.Open(strPath)) {
             QRA_LOG_WARNING(QRA_TAG_SEND, "Open ptp file[%s] failed. ", strPath.c_str());
             return false;
         }
@@ -306,7 +303,7 @@ bool CQRACopyThread::m_ReadBlock(char* pBuffer, unsigned long& nCount) {
         return m_SrcFile.Read(pBuffer, &nCount);
     }
     unsigned long nDone = 0;
-    const bool bRead = m_pPTPFile->Read(pBuffer, nCount, &nDone);
+    const bool bRead = m_PTPFile.Read(pBuffer, nCount, &nDone);
     nCount = nDone;
     return bRead;
 }
@@ -386,9 +383,7 @@ void CQRACopyThread::m_InsertDB(const std::string& strDestName) {
 
 void CQRACopyThread::m_CloseFile(CQRAFile64& file, FILE_TYPE eType) {
     if (m_IsPTP()) {
-        if (m_pPTPFile != nullptr) {
-            m_pPTPFile->Close();
-        }
+        m_PTPFile.Close();
         return;
     }
     if (!file.IsOpened()) {

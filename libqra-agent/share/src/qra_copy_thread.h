@@ -4,15 +4,14 @@
 #include <sys/types.h>
 
 #include <atomic>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "common/util/qra_file64.h"
 #include "libqra-agent/share/src/qra_share_thread_base.h"
+#include "libqra-agent/source/ptp/qra_ptp_file_operator.h"
 
 class CQRALocalAgent;
-class IQRAPTPFile;
 
 /// Which end of a copy a file is.
 enum FILE_TYPE { FILE_TYPE_SOURCE = 0, FILE_TYPE_DESTINATION = 1 };
@@ -37,7 +36,7 @@ enum FILE_TYPE { FILE_TYPE_SOURCE = 0, FILE_TYPE_DESTINATION = 1 };
  */
 class CQRACopyThread : public CQRAShareThreadBase, public IQRAShareThread {
 public:
-    CQRACopyThread();
+    CQRACopyThread() = default;
     ~CQRACopyThread() override;
 
     qra_error_code_e Excute(qra_share_s* pShare, CQRAAgentHandle* pAgentHandle,
@@ -76,7 +75,7 @@ private:
     CQRAFile64 m_SrcFile;
     CQRAFile64 m_DstFile;
     bool m_bDstFlushed = false;  ///< nothing was written to m_DstFile since its last flush
-    const std::unique_ptr<IQRAPTPFile> m_pPTPFile;
+    CQRAPTPFileOperator m_PTPFile;
 };
 
 #endif

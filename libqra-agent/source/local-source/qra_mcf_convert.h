@@ -14,7 +14,7 @@ using mcf_out = std::variant<int*, bool*, unsigned long long*, long*, double*, c
 using mcf_in = std::variant<int, long, const char*>;
 
 struct MallocFree {
-    void operator()(char* pText) const { std::free(pText); }
+    void operator()(void* pBlock) const { std::free(pBlock); }
 };
 /// A text that the platform gave away.
 using CMallocText = std::unique_ptr<char, MallocFree>;
