@@ -24,6 +24,16 @@ void print_json_tiles(ListRequest& request, const TileRange& range) {
     }
 }
 
+/// What is listed, for a person.
+std::string heading(const CommandLine& line) {
+    if (line.list.source != kCameraSource) {
+        return printable_text(line.path);
+    }
+    const std::string camera =
+        "camera " + std::to_string(line.list.bus) + ":" + std::to_string(line.list.device);
+    return line.list.folder_id.empty() ? camera : camera + ", folder " + line.list.folder_id;
+}
+
 Json::Value json_of(const ItemValue& value) {
     return std::visit(
         [](const auto& content) -> Json::Value {
@@ -59,7 +69,7 @@ void run_list(const CommandLine& line) {
         print_json_tiles(request, range);
         return;
     }
-    print(printable_text(line.path) + "  " + summary(request) + "\n\n");
+    print(heading(line) + "  " + summary(request) + "\n\n");
     print_grid(line.list, range, request.tile_count(), [&request](int index) {
         request.move_to(index);
         return read_tile(request.handle());

@@ -3,8 +3,14 @@
 #include "apps/qra/command_line.h"
 #include "apps/qra/media_path.h"
 
-Browsing::Browsing(const CommandLine& line)
-    : path_(line.list.source == "SOURCE_MSC" ? prepare_drive(line) : line.path), request_(line.list, path_) {}
+Browsing::Browsing(const CommandLine& line) : path_(prepare(line)), request_(line.list, path_) {}
+
+std::string Browsing::prepare(const CommandLine& line) {
+    if (line.list.source != kCameraSource) {
+        engine_.emplace();
+    }
+    return line.list.source == "SOURCE_MSC" ? prepare_drive(line) : line.path;
+}
 
 // A view of folders shows what is in the folder; any other view shows its whole drive.
 std::string Browsing::prepare_drive(const CommandLine& line) {

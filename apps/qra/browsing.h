@@ -22,9 +22,10 @@ public:
     std::optional<MediaDrives>& drives() { return drives_; }
 
 private:
+    std::string prepare(const CommandLine& line);
     std::string prepare_drive(const CommandLine& line);
 
-    EngineAccess engine_;
+    std::optional<EngineAccess> engine_;  ///< cameras need none
     std::optional<MediaDrives> drives_;
     std::string path_;
     ListRequest request_;

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <climits>
+#include <initializer_list>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -13,6 +14,8 @@ namespace {
 
 constexpr int kMostRowsOrColumns = 1000;
 constexpr int kLongestTimeout = 86400;
+constexpr const char* kPicturesInARow = "CATEGORY-TITLE";
+constexpr const char* kTopFolder = "0";
 
 /// The built-in lists of the library, and what cameras and phones make today besides.
 constexpr const char* kExtensions =
@@ -157,17 +160,22 @@ void add_path(CLI::App& command, CommandLine& line) {
         ->required();
 }
 
+void refuse(const CLI::App& command, std::initializer_list<const char*> options, const char* why) {
+    for (const char* option : options) {
+        if (command.count(option) > 0) {
+            throw CLI::ValidationError(option, why);
+        }
+    }
+}
+
 /// A list of the content engine shows all that its account has in the folder, in the order that the service
 /// gives unless the user asks for another one.
 void check_remote_list(const CLI::App& command, CommandLine& line) {
     if (line.account.name.empty()) {
         throw CLI::RequiredError("--plugin");
     }
-    for (const char* option : {"--mask", "--group", "--extension", "--uhd", "--no-scan"}) {
-        if (command.count(option) > 0) {
-            throw CLI::ValidationError(option, "not for lists of the content engine");
-        }
-    }
+    refuse(command, {"--mask", "--group", "--extension", "--uhd", "--no-scan"},
+           "not for lists of the content engine");
     if (command.count("--sort") == 0) {
         line.list.sort_category.clear();
     }
@@ -179,11 +187,36 @@ void check_local_list(const CLI::App& command) {
     if (command.count("PATH") == 0) {
         throw CLI::RequiredError("PATH");
     }
-    for (const char* option : {"--plugin", "--timeout"}) {
-        if (command.count(option) > 0) {
-            throw CLI::ValidationError(option, "only for lists of the content engine");
+    refuse(command, {"--plugin", "--timeout"}, "only for lists of the content engine");
+}
+
+/// A folder of a camera, or without one all pictures of the camera in a row.
+void check_camera_list(const CLI::App& command, ListOptions& list) {
+    for (const char* option : {"--bus", "--device"}) {
+        if (command.count(option) == 0) {
+            throw CLI::RequiredError(option);
         }
     }
+    refuse(command, {"PATH", "--plugin", "--timeout", "--keyword", "--uhd", "--no-scan"},
+           "not for lists of cameras");
+    const std::string folder_view = ListOptions().sort_category;
+    if (command.count("--sort") == 0 && list.folder_id.empty()) {
+        list.sort_category = kPicturesInARow;
+    } else if (list.sort_category != folder_view && !list.folder_id.empty()) {
+        throw CLI::ValidationError("--folder-id", "only with --sort " + folder_view);
+    } else if (list.sort_category == folder_view && list.folder_id.empty()) {
+        list.folder_id = kTopFolder;
+    }
+}
+
+/// Which options a list takes depends on where it comes from.
+void check_list(const CLI::App& command, CommandLine& line) {
+    if (line.list.source == kCameraSource) {
+        return check_camera_list(command, line.list);
+    }
+    refuse(command, {"--bus", "--device", "--folder-id"}, "only for lists of cameras");
+    is_source_of_this_machine(line.list.source) ? check_local_list(command)
+                                                : check_remote_list(command, line);
 }
 
 void add_cloud_timeout(CLI::App& command, CommandLine& line) {
@@ -191,6 +224,19 @@ void add_cloud_timeout(CLI::App& command, CommandLine& line) {
         .add_option("--timeout", line.cloud_timeout, "Seconds to wait for each part of an account's answer")
         ->check(CLI::Range(1, kLongestTimeout))
         ->capture_default_str();
+}
+
+void add_camera_options(CLI::App& command, ListOptions& list) {
+    command.add_option("--bus", list.bus, "USB bus of a camera, for --source SOURCE_PTP")
+        ->check(CLI::Range(0, INT_MAX));
+    command.add_option("--device", list.device, "The camera's device number on its bus")
+        ->check(CLI::Range(0, INT_MAX));
+    command
+        .add_option(
+            "--folder-id", list.folder_id,
+            "The ID_QRA of a folder of the camera, 0 for the top; without it all pictures of the camera "
+            "in a row")
+        ->check(CLI::Range(0, INT_MAX));
 }
 
 void add_list_command(CLI::App& app, CommandLine& line) {
@@ -201,13 +247,13 @@ void add_list_command(CLI::App& app, CommandLine& line) {
     add_request_options(*list, line);
     list->add_option("--plugin", line.account.name, "The account, for --source CloudSource");
     add_cloud_timeout(*list, line);
+    add_camera_options(*list, line.list);
     list->add_option("--offset", line.offset, "First tile to show")->check(CLI::Range(0, INT_MAX));
     list->add_option("--limit", line.limit, "Most tiles to show")->check(CLI::Range(0, INT_MAX));
     list->add_flag("--json", line.json, "One JSON object for each tile, one on a line, in list order");
     list->callback([&line, list] {
-        const bool local = is_source_of_this_machine(line.list.source);
-        local ? check_local_list(*list) : check_remote_list(*list, line);
-        line.command = local ? run_list : run_remote_list;
+        check_list(*list, line);
+        line.command = is_source_of_this_machine(line.list.source) ? run_list : run_remote_list;
     });
 }
 

@@ -46,8 +46,9 @@ std::optional<ItemValue> time_value(qra_agent_handler_h list, const char* field)
     constexpr time_t kAbsent = std::numeric_limits<time_t>::min();
     time_t time = kAbsent;
     if (qra_get_item_value_time_v2(list, field, &time) != QRA_ERROR_NONE) {
-        // Lists of the content engine have times as plain numbers.
-        return unsigned_value(list, field);
+        // Lists of the content engine, and of cameras, have times as plain numbers.
+        const auto number = unsigned_value(list, field);
+        return number ? number : int_value(list, field);
     }
     if (time == kAbsent) {
         return std::nullopt;

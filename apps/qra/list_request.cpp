@@ -23,7 +23,10 @@ GeneralParam list_param(const ListOptions& options, const std::string& path) {
         {qra_param_set_general_sort_category, options.sort_category},
         {qra_param_set_general_key_word, options.keyword},
         {qra_param_set_general_extension, options.extension},
+        {qra_param_set_general_folder_id, options.folder_id},
     });
+    check("list", qra_param_set_general_bus_value(param.get(), options.bus));
+    check("list", qra_param_set_general_device_value(param.get(), options.device));
     check("list", qra_param_set_general_is_uhd_meta(param.get(), options.uhd));
     return param;
 }
@@ -31,7 +34,7 @@ GeneralParam list_param(const ListOptions& options, const std::string& path) {
 }  // namespace
 
 bool is_source_of_this_machine(const std::string& source) {
-    constexpr std::string_view kSources[] = {"SOURCE_MSC", "SOURCE_PTP", "SOURCE_DLNA", "SOURCE_PLAYLIST"};
+    constexpr std::string_view kSources[] = {"SOURCE_MSC", kCameraSource, "SOURCE_DLNA", "SOURCE_PLAYLIST"};
     return std::find(std::begin(kSources), std::end(kSources), source) != std::end(kSources);
 }
 

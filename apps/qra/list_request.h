@@ -16,7 +16,10 @@ struct ListOptions {
     std::string keyword;
     std::string extension;  ///< the JSON text of the extension lists
     bool uhd = false;
-    int mask = 0x26;  ///< folders, media, and the up-folder tile
+    int bus = 0;            ///< of a camera
+    int device = 0;         ///< of a camera
+    std::string folder_id;  ///< of a camera's folder
+    int mask = 0x26;        ///< folders, media, and the up-folder tile
     qra_page_order_e order = QRA_PAGE_ORDER_COLUMN;
     int group = -1;
     int rows = 2;
@@ -29,6 +32,9 @@ inline constexpr int kFoldersAndMedia = 0x06;
 
 /// The source of the content engine's accounts.
 inline constexpr const char* kCloudSource = "CloudSource";
+
+/// The source of cameras and phones.
+inline constexpr const char* kCameraSource = "SOURCE_PTP";
 
 /// All other sources are the content engine's.
 bool is_source_of_this_machine(const std::string& source);
