@@ -356,8 +356,25 @@ TEST(HostileInput, ARequestNeedsARecordASourceAndRoomForItsHandle) {
     EXPECT_EQ(nullptr, handle);
 }
 
+TEST(HostileInput, ACameraRequestNeedsItsTexts) {
+    const auto refused = [](const char* category, const char* type, const char* folder) {
+        const Param<qra_general_s> request;
+        qra_param_set_general_source(request, "SOURCE_PTP");
+        qra_param_set_general_sort_category(request, category);
+        qra_param_set_general_content_type(request, type);
+        qra_param_set_general_folder_id(request, folder);
+        Handle handle = nullptr;
+        const qra_error_code_e code = qra_request_list_v2(request, nullptr, nullptr, &handle);
+        return code == QRA_ERROR_INVALID_PARAM && handle == nullptr;
+    };
+    EXPECT_TRUE(refused(nullptr, "CONTENT-FOLDER", "0")) << "no sort category";
+    EXPECT_TRUE(refused("CATEGORY-FOLDER-TITLE", "CONTENT-FOLDER", nullptr)) << "no folder";
+    EXPECT_TRUE(refused("CATEGORY-FOLDER-TITLE", nullptr, "0")) << "no content type";
+    EXPECT_TRUE(refused("CATEGORY-TITLE", "CONTENT-MUSIC", nullptr)) << "no content of cameras";
+}
+
 TEST(HostileInput, ASourceThatIsNotServedIsRefused) {
-    for (const char* source : {"SOURCE_PTP", "SOURCE_DLNA"}) {
+    for (const char* source : {"SOURCE_DLNA"}) {
         const Param<qra_general_s> request;
         qra_param_set_general_source(request, source);
         qra_param_set_general_path(request, "/");

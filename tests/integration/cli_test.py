@@ -363,7 +363,7 @@ class ListTest(ToolTest):
 
     def test_refused_requests_fail(self):
         for options in (["--sort", "CATEGORY-FOLDER-CHANNEL_NAME"], ["--content", "CONTENT-UHD"], ["--mask", "0x44"],
-                        ["--source", "SOURCE_PTP"], ["--sort", "CATEGORY-ARTIST"]):
+                        ["--sort", "CATEGORY-ARTIST"]):
             with self.subTest(options):
                 self.assert_fails(FAILED, "list request|page style", "list", self.tree, *options)
 

@@ -6,6 +6,7 @@
 #include "libqra-agent/agent/src/qra_web_agent.h"
 #include "libqra-agent/playlist/qra_playlist_source.h"
 #include "libqra-agent/source/local-source/qra_msc_source.h"
+#include "libqra-agent/source/ptp/qra_ptp_source.h"
 
 namespace {
 
@@ -23,13 +24,14 @@ TEST(SourceFactory, EveryOtherNameIsTheEngines) {
     }
 }
 
-TEST(SourceFactory, MassStorageAndPlaylistsHaveASource) {
+TEST(SourceFactory, MassStorageCamerasAndPlaylistsHaveASource) {
     EXPECT_NE(dynamic_cast<CQRAMSCSource*>(qra_make_source("SOURCE_MSC").get()), nullptr);
+    EXPECT_NE(dynamic_cast<CQRAPTPSource*>(qra_make_source("SOURCE_PTP").get()), nullptr);
     EXPECT_NE(dynamic_cast<CQRAPlaylistSource*>(qra_make_source("SOURCE_PLAYLIST").get()), nullptr);
 }
 
 TEST(SourceFactory, WhatThisBuildDoesNotHaveIsNull) {
-    for (const char* name : {"SOURCE_PTP", "SOURCE_DLNA", "CloudSource", ""})
+    for (const char* name : {"SOURCE_DLNA", "CloudSource", ""})
         EXPECT_EQ(qra_make_source(name), nullptr) << name;
 }
 
