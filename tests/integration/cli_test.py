@@ -20,6 +20,7 @@ from cli_tool import ENGINE, FAILED, MISSING, QRA, SUCCESS, USAGE, TerminalRun, 
 ITEM_TEXTS, LIST_FOLDER, WITH_BUS = (sys.argv.pop(1) for _ in range(3))
 FIXTURES = Path(__file__).resolve().parents[1] / "fixtures"
 COMMANDS = ["attach", "detach", "storages", "scan", "devices", "check-device", "thumbs", "list", "get", "copy", "delete", "account"]
+CAMERA = ["list", "--source", "SOURCE_PTP"]
 LARGE = 20000
 FOLDER, IMAGE, VIDEO, MUSIC, RECORDING, GROUP, UHD, UP_FOLDER = 1, 2, 3, 5, 6, 9, 10, 13
 
@@ -55,7 +56,13 @@ class UsageTest(ToolTest):
         for arguments in ([], ["dance"], ["list"], ["list", "--rows", "0", "."], ["list", "--order", "round", "."],
                           ["list", "--limit", "-1", "."], ["list", "--no-such-option", "."], ["get", "."],
                           ["get", ".", "1"], ["get", ".", "one", "TITLE"], ["attach"], ["detach"], ["scan"],
-                          ["attach", ".", "--as", "Stick"], ["attach", ".", "--as", "USBDrive"]):
+                          ["attach", ".", "--as", "Stick"], ["attach", ".", "--as", "USBDrive"],
+                          ["list", ".", "--bus", "1"], ["list", ".", "--folder-id", "1"],
+                          [*CAMERA, "--device", "2"], [*CAMERA, "--bus", "1"], [*CAMERA, "--bus", "-1", "--device", "2"],
+                          [*CAMERA, "--bus", "1", "--device", "2", "."],
+                          [*CAMERA, "--bus", "1", "--device", "2", "--folder-id", "DCIM"],
+                          [*CAMERA, "--bus", "1", "--device", "2", "--folder-id", "3", "--sort", "CATEGORY-TITLE"],
+                          [*CAMERA, "--bus", "1", "--device", "2", "--no-scan"]):
             with self.subTest(arguments):
                 self.assert_fails(USAGE, ".", *arguments)
 
