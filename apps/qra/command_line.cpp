@@ -16,6 +16,7 @@ constexpr int kMostRowsOrColumns = 1000;
 constexpr int kLongestTimeout = 86400;
 constexpr const char* kPicturesInARow = "CATEGORY-TITLE";
 constexpr const char* kTopFolder = "0";
+constexpr int kLargestUsbNumber = 255;
 
 /// The built-in lists of the library, and what cameras and phones make today besides.
 constexpr const char* kExtensions =
@@ -410,6 +411,47 @@ void add_playlist_commands(CLI::App& app, CommandLine& line) {
         ->capture_default_str();
 }
 
+/// A subcommand of "camera" for one camera.
+CLI::App* add_camera_command(CLI::App& camera, CommandLine& line, const char* name, const char* description,
+                             Command command) {
+    CLI::App* added = camera.add_subcommand(name, description);
+    added->add_option("--bus", line.camera.bus, "USB bus of the camera; needed where there are several")
+        ->check(CLI::Range(0, kLargestUsbNumber));
+    added->add_option("--device", line.camera.device, "Its number there")
+        ->check(CLI::Range(0, kLargestUsbNumber));
+    added->add_flag("--json", line.json, "One JSON object for each file, one on a line");
+    added->callback([&line, command] { line.command = command; });
+    return added;
+}
+
+void add_camera_commands(CLI::App& app, CommandLine& line) {
+    CameraOptions& options = line.camera;
+    CLI::App* camera = app.add_subcommand("camera", "Cameras and phones on USB, and what is on their cards");
+    camera->require_subcommand(1);
+
+    CLI::App* list = camera->add_subcommand("list", "Show the cameras");
+    list->add_flag("--json", line.json, "One JSON object for each camera, one on a line");
+    list->callback([&line] { line.command = run_camera_list; });
+
+    CLI::App* files =
+        add_camera_command(*camera, line, "files", "Show the files with their ids", run_camera_files);
+    files->add_option("--folder-id", options.folder,
+                      "Those of a folder; without it of the card's first level");
+    files->add_flag("--recursive", line.recursive, "With everything below");
+
+    CLI::App* get = add_camera_command(*camera, line, "get", "Copy files from the camera", run_camera_get);
+    get->add_option("ID", options.ids, "The files, by the ids that 'camera files' and 'list' show")
+        ->required();
+    get->add_option("--to", options.target, "The folder to copy them to; nothing there is replaced")
+        ->required();
+
+    CLI::App* thumb =
+        add_camera_command(*camera, line, "thumb", "Copy the small pictures of files", run_camera_thumb);
+    thumb->add_option("ID", options.ids, "The files")->required();
+    thumb->add_option("--to", options.target, "The folder to copy them to, as thumb-ID.jpg")
+        ->capture_default_str();
+}
+
 void add_account_commands(CLI::App& app, CommandLine& line) {
     CLI::App* account =
         app.add_subcommand("account", "Accounts with services of the network that the content engine uses");
@@ -449,6 +491,7 @@ std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine&
     add_job_commands(app, command_line);
     add_account_commands(app, command_line);
     add_playlist_commands(app, command_line);
+    add_camera_commands(app, command_line);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

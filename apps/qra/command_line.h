@@ -51,6 +51,15 @@ struct PlaylistOptions {
     bool yes = false;  ///< delete without asking
 };
 
+/// A camera, and what is wanted of it.
+struct CameraOptions {
+    int bus = -1;  ///< this and the next: negative for any
+    int device = -1;
+    int folder = 0;            ///< files: 0 the whole card
+    std::vector<int> ids;      ///< get, thumb
+    std::string target = ".";  ///< get, thumb: --to
+};
+
 /// What the user asked for. Each command uses the fields that its options fill.
 struct CommandLine {
     Command command = nullptr;
@@ -70,6 +79,7 @@ struct CommandLine {
     JobOptions job;
     DeviceOptions devices;
     PlaylistOptions playlist;
+    CameraOptions camera;
 };
 
 /// Reads the command line. Prints help, the version, or what is wrong with the arguments.

@@ -3,6 +3,7 @@
 #include <sys/statvfs.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "engine/src/devices/mount_table.h"
@@ -53,6 +54,7 @@ const Volume* volume_of(const std::string& directory, const Volumes& volumes) {
 DeviceWatch::DeviceWatch(GDBusConnection* bus, Listeners listeners)
     : listeners_(std::move(listeners)),
       udev_([this] { look_soon(); }),
+      cameras_([this] { look_soon(); }),
       mounted_(udev_, [this] { look_soon(); }),
       udisks_(bus, [this] { look_soon(); }),
       attached_([this] { look_soon(); }) {}
@@ -90,9 +92,9 @@ int DeviceWatch::on_look(void* data) {
 void DeviceWatch::look() {
     attached_.keep(volumes());
     Devices usb = drives();
-    for (Device& camera : udev_.cameras()) {
-        usb.push_back(std::move(camera));
-    }
+    Devices cameras = udev_.cameras();
+    cameras_.add_to(cameras);
+    usb.insert(usb.end(), std::make_move_iterator(cameras.begin()), std::make_move_iterator(cameras.end()));
     if (ready_) {
         update(usb_, usb, listeners_.usb);
         update(optical_, udev_.optical_drives(), listeners_.optical);

@@ -11,6 +11,7 @@
 #include "engine/src/devices/mounted_volumes.h"
 #include "engine/src/devices/udev_devices.h"
 #include "engine/src/devices/udisks_volumes.h"
+#include "engine/src/devices/usb_cameras.h"
 
 namespace engine {
 
@@ -59,6 +60,7 @@ private:
     Devices optical_;  ///< those that the listener knows of
 
     UdevDevices udev_;
+    UsbCameras cameras_;
     MountedVolumes mounted_;
     UDisksVolumes udisks_;
     AttachedDrives attached_;

@@ -12,24 +12,25 @@ namespace {
 
 constexpr char kTag[] = "MTP";
 
-/// What is still without its line's end. By the stream's own lock, which its writer holds.
+/// What a thread has written without its line's end.
 struct Line {
     char text[512];
     size_t length;
 };
 
-void flush(Line& line) {
+thread_local Line line;
+
+void flush() {
     if (line.length > 0) {
         __dlog_print(0, DLOG_PRIORITY_INFO, kTag, "libmtp: %.*s", static_cast<int>(line.length), line.text);
         line.length = 0;
     }
 }
 
-ssize_t write_lines(void* cookie, const char* bytes, size_t length) {
-    Line& line = *static_cast<Line*>(cookie);
+ssize_t write_lines(void*, const char* bytes, size_t length) {
     for (size_t i = 0; i < length; ++i) {
         if (bytes[i] == '\n' || line.length == sizeof line.text) {
-            flush(line);
+            flush();
         }
         if (bytes[i] != '\n') {
             const bool is_text = static_cast<unsigned char>(bytes[i]) >= ' ';
@@ -40,12 +41,12 @@ ssize_t write_lines(void* cookie, const char* bytes, size_t length) {
 }
 
 FILE* open_stream() {
-    static Line line;
     cookie_io_functions_t functions{};
     functions.write = write_lines;
-    FILE* stream = fopencookie(&line, "w", functions);
+    FILE* stream = fopencookie(nullptr, "w", functions);
     if (stream != nullptr) {
-        setvbuf(stream, nullptr, _IOLBF, BUFSIZ);
+        // So that what a thread writes gets here in that thread.
+        setvbuf(stream, nullptr, _IONBF, 0);
     }
     return stream;
 }

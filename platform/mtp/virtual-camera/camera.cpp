@@ -238,13 +238,12 @@ int Camera::receive(uint8_t* bytes, size_t most, size_t& got, unsigned timeout) 
         return LIBUSB_ERROR_TIMEOUT;
     }
     Outgoing& outgoing = outgoing_.front();
-    if (outgoing.severed && outgoing.sent * 2 >= outgoing.size) {
+    if (outgoing.severed && (outgoing.sent + most) * 2 >= outgoing.size) {
         pull();
         return LIBUSB_ERROR_NO_DEVICE;
     }
     const uint64_t left = outgoing.size - outgoing.sent;
-    const size_t allowed = outgoing.severed ? std::min<size_t>(most, outgoing.size / 2 + 1) : most;
-    got = take(outgoing, bytes, static_cast<size_t>(std::min<uint64_t>(allowed, left)));
+    got = take(outgoing, bytes, static_cast<size_t>(std::min<uint64_t>(most, left)));
     bytes_sent_ += got;
     // A transfer ends with a short packet; one that ends with a full packet has an empty one behind it, which
     // goes with the rest if there is room for more.
