@@ -383,7 +383,7 @@ class ListTest(ToolTest):
     def test_no_engine_and_no_bus_cost_no_time(self):
         start = time.monotonic()
         self.assertIn("IMG_2.png", self.stdout("list", self.tree, QRA_ENGINE="", PATH="/nowhere"))
-        self.assertLess(time.monotonic() - start, 10)
+        self.assertLess(time.monotonic() - start, 20)  # a call that nobody answers takes 25
 
     def test_private_bus_leaves_nothing_behind(self):
         self.qra("list", self.tree)
@@ -394,7 +394,7 @@ class ListTest(ToolTest):
         result = subprocess.run([WITH_BUS, QRA, "list", self.tree], env=dict(self.environment, QRA_ENGINE=""),
                                 capture_output=True, timeout=60)
         self.assertEqual(0, result.returncode, result.stderr)
-        self.assertLess(time.monotonic() - start, 10)
+        self.assertLess(time.monotonic() - start, 20)  # a call that nobody answers takes 25
 
     def test_private_bus_takes_the_place_of_a_system_bus_without_an_engine(self):
         started = self.directory / "engine started"

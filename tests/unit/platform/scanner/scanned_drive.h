@@ -1,6 +1,7 @@
 #ifndef QRA_TESTS_SCANNER_SCANNED_DRIVE_H
 #define QRA_TESTS_SCANNER_SCANNED_DRIVE_H
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <filesystem>
@@ -20,13 +21,22 @@ class ScanAnswer {
 public:
     static void on_report(int error, int phase, void* self) {
         auto* answer = static_cast<ScanAnswer*>(self);
-        const std::lock_guard<std::mutex> lock(answer->mutex_);
+        std::unique_lock<std::mutex> lock(answer->mutex_);
         answer->phases_.push_back(phase);
         if (error != 0 || phase == MEDIA_SCAN_PHASE_FINISHED) {
             answer->error_ = error;
             ++answer->finals_;
         }
         answer->changed_.notify_all();
+        answer->changed_.wait_for(lock, std::chrono::seconds(30),
+                                  [&] { return !answer->held_ || phase != MEDIA_SCAN_PHASE_PROGRESS; });
+    }
+
+    /// Lets the scan wait in its reports of progress from now on, or go on.
+    void hold(bool held) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        held_ = held;
+        changed_.notify_all();
     }
 
     /// Waits for the final report. @return its error, -1 if it does not come
@@ -49,10 +59,17 @@ public:
         return finals_;
     }
 
+    /// How many reports of this phase have come.
+    int64_t reports(int phase) const {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return std::count(phases_.begin(), phases_.end(), phase);
+    }
+
 private:
     mutable std::mutex mutex_;
     std::condition_variable changed_;
     std::vector<int> phases_;
+    bool held_ = false;
     int finals_ = 0;
     int error_ = 0;
 };
