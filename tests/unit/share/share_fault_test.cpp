@@ -3,9 +3,12 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <future>
 #include <random>
+#include <thread>
 
 #include "libqra-agent/agent/src/qra_handler_mgr.h"
+#include "libqra-agent/share/src/qra_copy_thread.h"
 #include "tests/unit/share/faulty_calls.h"
 #include "tests/unit/share/share_fixture.h"
 
@@ -74,6 +77,49 @@ protected:
     }
 
     Names calls_;
+};
+
+/// A copy whose client sees whether it has been told to stop.
+class WatchedCopy : public CQRACopyThread {
+public:
+    bool IsRunning() { return t_GetJobStatus(); }
+};
+
+/// A copy of the selection that is told to stop within its `number`th call of a kind.
+class StoppedCopy {
+public:
+    StoppedCopy(const std::string& kind, int number, qra_stop_type_e type, int error = 0) {
+        FaultyCalls::before = [=, count = 0](const std::string& call, const std::string&) mutable {
+            calls_after_ += stopping_ ? 1 : 0;
+            if (call != kind || ++count != number) {
+                return 0;
+            }
+            asked_.set_value();
+            while (copy_->IsRunning()) {
+                std::this_thread::yield();
+            }
+            stopping_ = true;
+            return error;
+        };
+        type_ = type;
+    }
+
+    void run(qra_share_s& param, CQRAAgentHandle* list, BatchClient& client) {
+        CQRASendHandle* out = &handle_;
+        ASSERT_EQ(copy_->Excute(&param, list, client.param(), &out), QRA_ERROR_NONE);
+        asked_.get_future().wait();
+        EXPECT_EQ(copy_->Stop(&handle_, type_), QRA_ERROR_NONE);
+    }
+    /// The system calls of the job since it was told.
+    int calls_after() const { return calls_after_; }
+
+private:
+    qra_stop_type_e type_;
+    CQRASendHandle handle_;
+    WatchedCopy* const copy_ = new WatchedCopy;  ///< the handle's, once it runs
+    std::promise<void> asked_;
+    bool stopping_ = false;
+    int calls_after_ = 0;
 };
 
 }  // namespace
@@ -146,6 +192,32 @@ TEST_F(ShareFault, AFailedReadRemovesThePartialFile) {
     EXPECT_TRUE(copied().empty());
     EXPECT_TRUE(log_.contains("Read data form source file faild."));
     EXPECT_TRUE(log_.contains("Do copy job failed, eResType[4]."));
+}
+
+TEST_F(ShareFault, AFailedReadKeepsThePartialFileOfAStopThatKeepsIt) {
+    select("a.jpg", std::string(3 * kBlock, 'x'));
+    StoppedCopy copy("read", 2, QRA_STOP_TYPE_KEEP, EIO);
+    copy.run(param_, list_, client_);
+    EXPECT_EQ(client_.milestones(), Events{QRA_EVENT_BATCH_FAILED});
+    EXPECT_EQ(copied(), Names{"a.jpg"});
+    EXPECT_EQ(fs::file_size(dest_ + "/PHOTO/a.jpg"), kBlock);
+    EXPECT_TRUE(log_.contains("Do copy job failed, eResType[4]."));
+}
+
+TEST_F(ShareFault, AFailedReadRemovesThePartialFileOfAStopThatDoesNot) {
+    select("a.jpg", std::string(3 * kBlock, 'x'));
+    StoppedCopy copy("read", 2, QRA_STOP_TYPE_REMOVE, EIO);
+    copy.run(param_, list_, client_);
+    EXPECT_TRUE(copied().empty());
+}
+
+TEST_F(ShareFault, AStopWithinALargeFileIsObeyedBeforeTheNextBlock) {
+    select("a.jpg", std::string(64 * kBlock, 'x'));
+    StoppedCopy copy("write", 5, QRA_STOP_TYPE_KEEP);
+    copy.run(param_, list_, client_);
+    EXPECT_EQ(fs::file_size(dest_ + "/PHOTO/a.jpg"), 5 * kBlock);
+    EXPECT_EQ(copy.calls_after(), 1) << "more than the flush of what was copied";
+    EXPECT_TRUE(log_.contains("Do copy job failed, eResType[3]."));
 }
 
 TEST_F(ShareFault, APartialFileThatCannotBeRemovedIsLogged) {
