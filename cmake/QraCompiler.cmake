@@ -20,21 +20,8 @@ if(QRA_CCACHE)
     if(QRA_PRECOMPILE)
         # What the cache asks for, to know a source that is compiled with a precompiled header again.
         list(PREPEND CMAKE_CXX_COMPILER_LAUNCHER env CCACHE_SLOPPINESS=pch_defines,time_macros)
-        add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>)
     endif()
 endif()
-
-# qra_precompile_standard_headers(TARGET...)
-#
-# With QRA_PRECOMPILE the targets that exist find the standard library's most used headers precompiled.
-function(qra_precompile_standard_headers)
-    foreach(target ${ARGN})
-        if(QRA_PRECOMPILE AND TARGET ${target})
-            target_precompile_headers(${target} PRIVATE
-                <algorithm> <functional> <map> <memory> <mutex> <optional> <string> <string_view> <vector>)
-        endif()
-    endforeach()
-endfunction()
 
 # 64-bit file offsets also on 32-bit processors.
 add_compile_definitions(_FILE_OFFSET_BITS=64 _GNU_SOURCE)
