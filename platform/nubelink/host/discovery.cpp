@@ -2,6 +2,7 @@
 
 #include <libgupnp/gupnp.h>
 
+#include <set>
 #include <string_view>
 
 #include "platform/nubelink/host/log.h"
@@ -47,8 +48,11 @@ struct Discovery::Network {
     static void on_message(GSSDPClient*, const char* from, unsigned port, int type,
                            SoupMessageHeaders* headers, Network* self);
     static void on_gone(GSSDPResourceBrowser*, const char* name, Network* self);
+    void pass_on_gone();
 
     Announcements& announcements;
+    std::set<std::string> gone;
+    Timer gone_timer;
     const ObjectPtr<GUPnPContext> client;
     const ObjectPtr<GSSDPResourceBrowser> browser;
 };
@@ -57,6 +61,7 @@ Discovery::Network::Network(GUPnPContext* context, Announcements& to)
     : announcements(to),
       client(GUPNP_CONTEXT(g_object_ref(context))),
       browser(gssdp_resource_browser_new(GSSDP_CLIENT(context), kMediaServer)) {
+    // After the browser's own handler, which the browser's making has connected.
     g_signal_connect(client.get(), "message-received", G_CALLBACK(&Network::on_message), this);
     g_signal_connect(browser.get(), "resource-unavailable", G_CALLBACK(&Network::on_gone), this);
     gssdp_resource_browser_set_mx(browser.get(), 1);
@@ -79,6 +84,7 @@ void Discovery::Network::on_message(GSSDPClient*, const char*, unsigned, int, So
     const std::string device_id = device_id_of(name);
     if (!device_id.empty() && std::string_view(location).size() <= kLongestLocation &&
         is_web_address(location)) {
+        self->gone.erase(device_id);
         self->announcements.on_alive(device_id, location, self);
     }
 }
@@ -86,7 +92,16 @@ void Discovery::Network::on_message(GSSDPClient*, const char*, unsigned, int, So
 void Discovery::Network::on_gone(GSSDPResourceBrowser*, const char* name, Network* self) {
     const std::string device_id = device_id_of(name);
     if (!device_id.empty()) {
-        self->announcements.on_gone(device_id, self);
+        self->gone.insert(device_id);
+        self->gone_timer.start(0, [self] { self->pass_on_gone(); });
+    }
+}
+
+void Discovery::Network::pass_on_gone() {
+    std::set<std::string> ids;
+    ids.swap(gone);
+    for (const std::string& device_id : ids) {
+        announcements.on_gone(device_id, this);
     }
 }
 
