@@ -71,17 +71,13 @@ bool CQRAMSCSource::Open() {
         return false;
     }
     if (!m_pDmpSource) {
-        m_pDmpSource = t_CreateDmpSource();
+        m_pDmpSource = std::make_unique<CQRADmpSource>();
     }
     if (!m_pContentInfoProvider) {
         m_pContentInfoProvider = std::make_unique<CContentInfoProvider>();
     }
     CQRAObjManager::GetInstance()->AddObj(reinterpret_cast<qra_handle_value_t>(this));
     return true;
-}
-
-std::unique_ptr<IQRADmpSource> CQRAMSCSource::t_CreateDmpSource() {
-    return nullptr;
 }
 
 bool CQRAMSCSource::Close() {

@@ -10,7 +10,6 @@
 #include "common/util/qra_mutex.h"
 #include "common/util/qra_thread.h"
 #include "libqra-agent/source/local-source/qra_content_info_provider.h"
-#include "libqra-agent/source/local-source/qra_dmp_source_base.h"
 #include "libqra-agent/source/local-source/qra_group_info.h"
 #include "libqra-agent/source/local-source/qra_mcf_wrapper.h"
 #include "libqra-agent/source/local-source/qra_media.h"
@@ -18,6 +17,7 @@
 #include "libqra-agent/source/local-source/qra_media_id_index.h"
 #include "libqra-agent/source/local-source/qra_msc_file_type.h"
 #include "libqra-agent/source/qra_source_base.h"
+#include "libqra-agent/source/scsa/qra_dmp_source.h"
 
 /**
  * USB mass storage, and the recordings that lie on it.
@@ -77,9 +77,6 @@ public:
 
 protected:
     void t_Process() override;
-    /// The reader of packaged content; null as long as there is none, and packages show their database values
-    /// only.
-    virtual std::unique_ptr<IQRADmpSource> t_CreateDmpSource();
 
 private:
     static bool cb_getMCFMedia(const std::string& strId, CMedia& media, void* pUserData);
@@ -135,7 +132,7 @@ private:
     std::map<std::string, int> m_GroupItemCounts;
     CQRAGroupInfo m_GroupInfo;
     std::unique_ptr<CQRAMCFWrapper> m_pMCFWrapper;
-    std::unique_ptr<IQRADmpSource> m_pDmpSource;
+    std::unique_ptr<CQRADmpSource> m_pDmpSource;
     std::unique_ptr<CContentInfoProvider> m_pContentInfoProvider;
 };
 

@@ -18,7 +18,7 @@ constexpr const char* SCSA_TEXTS[] = {
 
 /// Reads a field of a package, if it is one of those that packages have with this type.
 template <size_t N, class Value>
-bool GetPackageValue(IQRADmpSource* pDmpSource, const char* const (&fields)[N], const std::string& strField,
+bool GetPackageValue(CQRADmpSource* pDmpSource, const char* const (&fields)[N], const std::string& strField,
                      Value* pValue) {
     for (const char* const pField : fields) {
         if (strField != pField) {
@@ -52,15 +52,11 @@ bool CQRAMSCSource::MoveToIndex(int nIndex) {
 }
 
 bool CQRAMSCSource::m_MoveToDmpSource() {
-    if (!m_pDmpSource) {
-        // Nobody reads packages, so there is none to select: the entry's database values are all there is.
-        return true;
-    }
     char* szPath = nullptr;
     m_GetFieldValue("FILE_PATH", &szPath);
     QRA_ASSERT(szPath != NULL);
     const CMallocText path(szPath);
-    if (!m_pDmpSource->MoveToIndex(szPath)) {
+    if (!m_pDmpSource || !m_pDmpSource->MoveToIndex(szPath)) {
         QRA_LOG_WARNING(QRA_TAG_LOCAL, "MSC-SOURCE: m_pDmpSource->MoveToIndex failed.");
         return false;
     }

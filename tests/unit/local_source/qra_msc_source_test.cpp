@@ -8,7 +8,9 @@
 
 #include "libqra-agent/agent/src/qra_type.h"
 #include "libqra-agent/source/local-source/qra_obj_manager.h"
+#include "tests/fakes/fake_extractor.h"
 #include "tests/unit/local_source/sample_drive.h"
+#include "tests/unit/scsa/package_xml.h"
 
 namespace {
 
@@ -18,46 +20,6 @@ namespace faults = media_content_faults;
 char g_extensions[] =
     R"({"param_media_extension_image":["jpg","txt2"],"param_media_extension_video":["mp4","uvu"],)"
     R"("param_media_extension_music":["mp3"],"param_media_extension_pvr":["srf"],"param_media_extension_uhd":["um4"]})";
-
-/// Reads packages as the test tells.
-class FakeDmpSource : public IQRADmpSource {
-public:
-    bool MoveToIndex(const std::string& path) override {
-        moves.push_back(path);
-        return move_result;
-    }
-    bool GetValue(const std::string& field, int* value) override {
-        *value = field == "WIDTH" ? 1920 : 3;
-        return value_result;
-    }
-    bool GetValue(const std::string& field, char** value) override {
-        if (value_result) {
-            *value = strdup(("package's " + field).c_str());
-        }
-        return value_result;
-    }
-
-    std::vector<std::string> moves;
-    bool move_result = true;
-    bool value_result = true;
-};
-
-/// A source that may have a reader of packages.
-class TestedSource : public CQRAMSCSource {
-public:
-    FakeDmpSource* dmp = nullptr;  ///< owned by the source
-    bool with_dmp = false;
-
-protected:
-    std::unique_ptr<IQRADmpSource> t_CreateDmpSource() override {
-        if (!with_dmp) {
-            return CQRAMSCSource::t_CreateDmpSource();
-        }
-        auto made = std::make_unique<FakeDmpSource>();
-        dmp = made.get();
-        return made;
-    }
-};
 
 /// Collects the completions of a source.
 class Completions {
@@ -182,7 +144,7 @@ protected:
     }
 
     using Names = std::vector<std::string>;
-    TestedSource source;
+    CQRAMSCSource source;
     Completions completions;
 };
 
@@ -579,15 +541,6 @@ TEST_F(CQRAMSCSourceOpen, FilesAreAddedAndDeleted) {
 
 // Packaged content.
 
-TEST_F(CQRAMSCSourceOpen, WithoutAReaderPackagesAreWalkedAndShowTheirDatabaseValues) {
-    move_to("f.uvu");
-    EXPECT_EQ(text("FILE_PATH"), path("show/f.uvu"));
-    EXPECT_EQ(text("TITLE_19"), "(failed)");
-    EXPECT_EQ(number("WIDTH"), -1);
-    EXPECT_TRUE(log.contains("MSC-SOURCE: m_pDmpSource GetValue failed, strFiled[TITLE_19]."));
-    EXPECT_TRUE(log.contains("MSC-SOURCE: m_pDmpSource GetValue failed, strFiled[WIDTH]."));
-}
-
 namespace {
 
 class CQRAMSCSourceWithPackages : public CQRAMSCSourceOnDrive {
@@ -596,57 +549,114 @@ protected:
         write("show/a.jpg");
         write("show/f.uvu");
         scan();
-        source.with_dmp = true;
+        fake_extractor::reset();
+        fake_extractor::packages[path("show/f.uvu")].sff_xml[""] = metadata_xml("Film");
         open();
         EXPECT_EQ(run({"show"}), QRA_EVENT_LIST_SUCCESS);
     }
+
+    const std::vector<std::string> read_once{"GetXMLFromSFF " + path("show/f.uvu") + " "};
 };
 
 }  // namespace
 
-TEST_F(CQRAMSCSourceWithPackages, AMoveByIndexSelectsThePackage) {
+TEST_F(CQRAMSCSourceWithPackages, AMoveByIndexReadsThePackageOnce) {
     EXPECT_TRUE(source.MoveToIndex(0));
-    EXPECT_TRUE(source.dmp->moves.empty());
-    EXPECT_TRUE(source.MoveToIndex(1));
-    EXPECT_EQ(source.dmp->moves, std::vector<std::string>{path("show/f.uvu")});
-    EXPECT_TRUE(source.MoveToPrevious());
+    EXPECT_TRUE(fake_extractor::calls.empty());
     EXPECT_TRUE(source.MoveToNext());
-    EXPECT_EQ(source.dmp->moves.size(), 1u);
+    EXPECT_TRUE(fake_extractor::calls.empty()) << "only a move by index selects a package";
+    EXPECT_EQ(text("TITLE_19"), "(failed)");
+    EXPECT_TRUE(log.contains("MSC-SOURCE: m_pDmpSource GetValue failed, strFiled[TITLE_19]."));
+    EXPECT_TRUE(source.MoveToIndex(1));
+    EXPECT_EQ(fake_extractor::calls, read_once);
+    EXPECT_TRUE(source.MoveToPrevious());
+    EXPECT_TRUE(source.MoveToIndex(1));
+    EXPECT_EQ(fake_extractor::calls, read_once);
 }
 
 TEST_F(CQRAMSCSourceWithPackages, AMissSelectsThePackageThatTheCursorStaysOn) {
     EXPECT_FALSE(source.MoveToIndex(9));
     EXPECT_TRUE(source.MoveToIndex(1));
     EXPECT_TRUE(source.MoveToIndex(9));
-    EXPECT_EQ(source.dmp->moves.size(), 2u);
-    source.dmp->move_result = false;
-    EXPECT_FALSE(source.MoveToIndex(9));
+    EXPECT_EQ(log.count("DmpSource: Path Exists !"), 1);
+    EXPECT_TRUE(source.MoveToIndex(-1));
+    EXPECT_EQ(fake_extractor::calls, read_once);
+}
+
+TEST_F(CQRAMSCSourceWithPackages, APackageThatCannotBeReadCannotBeMovedTo) {
+    fake_extractor::packages.clear();
     EXPECT_FALSE(source.MoveToIndex(1));
-    EXPECT_TRUE(log.contains("MSC-SOURCE: m_pDmpSource->MoveToIndex failed."));
+    EXPECT_FALSE(source.MoveToIndex(9));
+    EXPECT_EQ(log.count("MSC-SOURCE: m_pDmpSource->MoveToIndex failed."), 2);
+    EXPECT_EQ(text("FILE_PATH"), path("show/f.uvu")) << "the cursor stands on it all the same";
+    EXPECT_EQ(text("TITLE_19"), "(failed)");
+    EXPECT_EQ(number("WIDTH"), -1);
     EXPECT_TRUE(source.MoveToIndex(0));
 }
 
 TEST_F(CQRAMSCSourceWithPackages, PackageFieldsComeFromThePackage) {
     ASSERT_TRUE(source.MoveToIndex(1));
-    for (const char* const field : {"INDEX", "HEIGHT"}) {
-        EXPECT_EQ(number(field), 3) << field;
-    }
+    EXPECT_EQ(number("INDEX"), 0);
     EXPECT_EQ(number("WIDTH"), 1920);
-    for (const char* const field :
-         {"CONTENT_ID",   "PROFILE",         "RUNLENGTH",    "PUBLISHER",       "TITLE_19",
-          "TITLE_60",     "TITLE_UNLIMITED", "TITLE_SORT",   "SUMMARY_190",     "SUMMARY_400",
-          "SUMMARY_4000", "DESC_LANGUAGE",   "ENCODING",     "TRACK_REFERENCE", "STREAM_NAME",
-          "COUNTRY",      "SYSTEM",          "RATING_VALUE", "RATING_DESC",     "ADULT_CONTENT"}) {
-        EXPECT_EQ(text(field), std::string("package's ") + field);
+    EXPECT_EQ(number("HEIGHT"), 1080);
+    const std::pair<const char*, std::string> texts[] = {{"CONTENT_ID", "urn:dece:cid:1"},
+                                                         {"PROFILE", "hd"},
+                                                         {"RUNLENGTH", "PT1H30M"},
+                                                         {"PUBLISHER", "Harbour & Sons"},
+                                                         {"TITLE_19", "Film 19"},
+                                                         {"TITLE_60", "Film 60"},
+                                                         {"TITLE_UNLIMITED", "Film without end"},
+                                                         {"TITLE_SORT", "Film, sorted"},
+                                                         {"SUMMARY_190", "short"},
+                                                         {"SUMMARY_400", "longer"},
+                                                         {"SUMMARY_4000", "longest"},
+                                                         {"DESC_LANGUAGE", "en-GB"},
+                                                         {"ENCODING", "image/jpeg"},
+                                                         {"TRACK_REFERENCE", "2"},
+                                                         {"STREAM_NAME", path("show/f.uvu")},
+                                                         {"COUNTRY", "GB"},
+                                                         {"SYSTEM", "BBFC"},
+                                                         {"RATING_VALUE", "12A"},
+                                                         {"RATING_DESC", "mild peril"},
+                                                         {"ADULT_CONTENT", "false"}};
+    for (const auto& [field, value] : texts) {
+        EXPECT_EQ(text(field), value) << field;
     }
     EXPECT_EQ(text("FILE_PATH"), path("show/f.uvu"));
+    EXPECT_EQ(text("FORMAT"), "uvu");
     EXPECT_EQ(text("INDEX"), "(failed)");
     EXPECT_EQ(number("COUNTRY"), -1);
     EXPECT_TRUE(log.contains("MSC-SOURCE: Invalid field[INDEX]."));
     EXPECT_TRUE(log.contains("MSC-SOURCE: Invalid field[COUNTRY]."));
-    source.dmp->value_result = false;
+}
+
+TEST_F(CQRAMSCSourceWithPackages, AFieldThatThePackageDoesNotHaveFails) {
+    fake_extractor::packages[path("show/f.uvu")].sff_xml[""] = "<m><ContentMetadata/></m>";
+    ASSERT_TRUE(source.MoveToIndex(1));
     EXPECT_EQ(text("COUNTRY"), "(failed)");
     EXPECT_TRUE(log.contains("MSC-SOURCE: m_pDmpSource GetValue failed, strFiled[COUNTRY]."));
+    EXPECT_EQ(number("WIDTH"), -1);
+    EXPECT_TRUE(log.contains("MSC-SOURCE: m_pDmpSource GetValue failed, strFiled[WIDTH]."));
+    EXPECT_EQ(text("TITLE_19"), "(none)") << "an empty text is a value";
+}
+
+TEST_F(CQRAMSCSourceWithPackages, APackageWhoseDriveWentAnswersFromMemory) {
+    ASSERT_TRUE(source.MoveToIndex(1));
+    fake_extractor::packages.clear();
+    std::filesystem::remove(root() + "/stick/show/f.uvu");
+    EXPECT_TRUE(source.MoveToIndex(0));
+    EXPECT_TRUE(source.MoveToIndex(1));
+    EXPECT_EQ(text("TITLE_19"), "Film 19");
+}
+
+TEST_F(CQRAMSCSourceWithPackages, APackageCountsAsPackageAndHasTheTypeOfTheListThatNamesIt) {
+    int count = 0;
+    EXPECT_TRUE(source.GetItemCountByType(QRA_MEDIA_TYPE_SCSA, &count));
+    EXPECT_EQ(count, 1);
+    EXPECT_TRUE(source.GetItemCountByType(QRA_MEDIA_TYPE_VIDEO, &count));
+    EXPECT_EQ(count, 0);
+    ASSERT_TRUE(source.MoveToIndex(1));
+    EXPECT_EQ(number("MEDIA_TYPE"), QRA_MEDIA_TYPE_VIDEO);
 }
 
 TEST_F(CQRAMSCSourceWithPackages, OtherEntriesAskNoPackage) {

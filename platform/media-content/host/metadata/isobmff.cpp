@@ -8,8 +8,7 @@ namespace media_content {
 
 bool BoxWalker::next(Box& box) {
     std::array<uint8_t, 16> head{};
-    if (range_.length < 8 || ++steps_ > kMostBoxes ||
-        source_.read(range_.offset, head.data(), head.size()) < 8) {
+    if (range_.length < 8 || ++steps_ > kMostBoxes || !source_.read_exactly(range_.offset, head.data(), 8)) {
         return false;
     }
     uint64_t size = big32(&head[0]);
@@ -17,6 +16,9 @@ bool BoxWalker::next(Box& box) {
     if (size == 0) {  // up to the end
         size = range_.length;
     } else if (size == 1) {
+        if (!source_.read_exactly(range_.offset + 8, &head[8], 8)) {
+            return false;
+        }
         size = big64(&head[8]);
         header_size = 16;
     }

@@ -1,0 +1,265 @@
+#include "platform/scsa-dmp/host/container_reader.h"
+
+#include <archive.h>
+#include <archive_entry.h>
+#include <locale.h>
+#include <clocale>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <string_view>
+
+#include "platform/scsa-dmp/host/entry_name.h"
+
+namespace scsa_host {
+namespace {
+
+constexpr size_t kDirectoryBlock = 512;  // a header of a tar, and about what a file takes in a ZIP
+constexpr size_t kDataBlock = 16U << 10;
+
+/// Makes the calling thread's texts UTF-8 for a scope: libarchive converts names by the locale, and a program
+/// in the plain "C" locale would lose those with other letters.
+class Utf8Names {
+public:
+    Utf8Names() : before_(utf8() != locale_t() ? uselocale(utf8()) : locale_t()) {}
+    ~Utf8Names() {
+        if (before_ != locale_t()) {
+            uselocale(before_);
+        }
+    }
+    Utf8Names(const Utf8Names&) = delete;
+    Utf8Names& operator=(const Utf8Names&) = delete;
+
+private:
+    static locale_t utf8() {
+        static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", locale_t());
+        return locale;
+    }
+
+    locale_t before_;
+};
+
+bool ends_with(std::string_view text, std::string_view end) {
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+}  // namespace
+
+/// Gives libarchive the bytes of the source, within a budget.
+class ContainerReader::Input {
+public:
+    explicit Input(ByteSource& source) : source_(source), buffer_(kDataBlock) {}
+
+    /// A wanted file is read in larger pieces than the names before it, and may be larger than all of them.
+    void turn_to_data() {
+        block_ = kDataBlock;
+        budget_ = kLargestEntry + kLargestDirectory;
+    }
+    /// Where all is compressed, what precedes a file has to be read.
+    void turn_to_compressed() {
+        block_ = kDataBlock;
+        budget_ = kLargestEntry;
+        most_unpacked_ = kMostUnpacked;
+    }
+
+    static la_ssize_t read(archive* archive, void* input, const void** bytes) {
+        return static_cast<Input*>(input)->read_next(archive, bytes);
+    }
+    static la_int64_t seek(archive*, void* input, la_int64_t offset, int whence) {
+        return static_cast<Input*>(input)->seek_to(offset, whence);
+    }
+    static la_int64_t skip(archive*, void* input, la_int64_t count) {
+        return static_cast<Input*>(input)->skip_over(count);
+    }
+
+private:
+    la_ssize_t read_next(archive* archive, const void** bytes) {
+        const bool unpacked_too_much =
+            most_unpacked_ != 0 && static_cast<uint64_t>(archive_filter_bytes(archive, 0)) > most_unpacked_;
+        if (budget_ == 0 || unpacked_too_much) {
+            archive_set_error(archive, EFBIG, "it asks for too much");
+            return ARCHIVE_FATAL;
+        }
+        *bytes = buffer_.data();
+        const size_t count = source_.read(offset_, buffer_.data(), std::min<uint64_t>(block_, budget_));
+        offset_ += count;
+        budget_ -= count;
+        return static_cast<la_ssize_t>(count);
+    }
+
+    la_int64_t seek_to(la_int64_t offset, int whence) {
+        const la_int64_t size = static_cast<la_int64_t>(source_.size());
+        const la_int64_t base = whence == SEEK_END   ? size
+                                : whence == SEEK_CUR ? static_cast<la_int64_t>(offset_)
+                                                     : 0;
+        if (offset < -base || offset > size - base) {
+            return ARCHIVE_FATAL;
+        }
+        offset_ = static_cast<uint64_t>(base + offset);
+        return base + offset;
+    }
+
+    la_int64_t skip_over(la_int64_t count) {
+        const uint64_t left = source_.size() - std::min(offset_, source_.size());
+        const uint64_t skipped = count > 0 ? std::min(static_cast<uint64_t>(count), left) : 0;
+        offset_ += skipped;
+        return static_cast<la_int64_t>(skipped);
+    }
+
+    ByteSource& source_;
+    std::vector<char> buffer_;
+    uint64_t offset_ = 0;
+    size_t block_ = kDirectoryBlock;
+    uint64_t budget_ = kLargestDirectory;
+    uint64_t most_unpacked_ = 0;
+};
+
+ContainerReader::ContainerReader(ByteSource& source)
+    : source_(source), input_(std::make_unique<Input>(source)), archive_(nullptr, archive_read_free) {}
+
+ContainerReader::~ContainerReader() = default;
+
+bool ContainerReader::open() {
+    archive_.reset(archive_read_new());
+    archive* const handle = archive_.get();
+    if (!handle) {
+        return fail("there is not enough memory");
+    }
+    archive_read_support_filter_gzip(handle);
+    archive_read_support_format_zip_seekable(handle);
+    archive_read_support_format_tar(handle);
+    archive_read_support_format_cpio(handle);
+    archive_read_set_callback_data(handle, input_.get());
+    archive_read_set_read_callback(handle, Input::read);
+    archive_read_set_seek_callback(handle, Input::seek);
+    archive_read_set_skip_callback(handle, Input::skip);
+    if (archive_read_open1(handle) != ARCHIVE_OK) {
+        return fail("it is no container");
+    }
+    if (archive_filter_code(handle, 0) != ARCHIVE_FILTER_NONE) {
+        input_->turn_to_compressed();
+    }
+    return true;
+}
+
+bool ContainerReader::next() {
+    while (true) {
+        const int result = archive_read_next_header(archive_.get(), &entry_);
+        if (result == ARCHIVE_EOF) {
+            return false;
+        }
+        // A name that no locale knows comes with a warning, and as it is.
+        if (result != ARCHIVE_OK && result != ARCHIVE_WARN) {
+            return fail("it is no container that is whole");
+        }
+        if (++entries_ > kMostEntries) {
+            return fail("it has too many files");
+        }
+        const bool is_file = archive_entry_filetype(entry_) == AE_IFREG && !archive_entry_hardlink(entry_);
+        if (is_file && !name().empty()) {
+            return true;
+        }
+    }
+}
+
+std::string ContainerReader::name() const {
+    const char* const name = archive_entry_pathname(entry_);
+    return uri_of(name ? name : "");
+}
+
+bool ContainerReader::list(std::vector<std::string>& names) {
+    const Utf8Names utf8;
+    if (!open()) {
+        return false;
+    }
+    while (next()) {
+        names.push_back(name());
+    }
+    return reason_.empty();
+}
+
+bool ContainerReader::find(const std::string& wanted) {
+    const Utf8Names utf8;
+    if (!open()) {
+        return false;
+    }
+    const std::string uri = uri_of(wanted);
+    while (next()) {
+        if (name() == uri) {
+            return is_readable();
+        }
+    }
+    return reason_.empty() ? fail("it has no such file") : false;
+}
+
+bool ContainerReader::is_readable() {
+    if (archive_entry_is_data_encrypted(entry_) || archive_entry_is_metadata_encrypted(entry_)) {
+        return fail("the file is encrypted");
+    }
+    const bool known_method = archive_format(archive_.get()) != ARCHIVE_FORMAT_ZIP ||
+                              ends_with(archive_format_name(archive_.get()), "(uncompressed)") ||
+                              ends_with(archive_format_name(archive_.get()), "(deflation)");
+    return known_method || fail("the file is compressed in a way that is not read");
+}
+
+bool ContainerReader::read(ImageBytes& bytes) {
+    const Utf8Names utf8;
+    if (archive_entry_size_is_set(entry_) &&
+        static_cast<uint64_t>(archive_entry_size(entry_)) > kLargestEntry) {
+        return fail("the file is too large");
+    }
+    input_->turn_to_data();
+    size_t done = 0;
+    // What a container says of sizes is a hint: room grows with what really comes.
+    for (size_t room = kDataBlock;; room = std::min<size_t>(2 * room, kLargestEntry + 1)) {
+        if (!bytes.resize(room)) {
+            return fail("there is not enough memory");
+        }
+        const la_ssize_t count = archive_read_data(archive_.get(), bytes.data() + done, room - done);
+        if (count < 0) {
+            return fail("the file is broken");
+        }
+        done += static_cast<size_t>(count);
+        if (done < room) {
+            break;
+        }
+        if (done > kLargestEntry) {
+            return fail("the file is too large");
+        }
+    }
+    return bytes.resize(done);
+}
+
+std::optional<ByteRange> ContainerReader::stored_place() {
+    const Utf8Names utf8;
+    archive* const handle = archive_.get();
+    const bool as_it_is = archive_filter_code(handle, 0) == ARCHIVE_FILTER_NONE &&
+                          archive_entry_size_is_set(entry_) && archive_entry_sparse_count(entry_) == 0 &&
+                          (archive_format(handle) != ARCHIVE_FORMAT_ZIP ||
+                           ends_with(archive_format_name(handle), "(uncompressed)"));
+    const ByteRange place{static_cast<uint64_t>(archive_filter_bytes(handle, 0)),
+                          static_cast<uint64_t>(archive_entry_size(entry_))};
+    if (!as_it_is || place.offset > source_.size() || place.length > source_.size() - place.offset) {
+        return std::nullopt;
+    }
+    // The place is where libarchive stands; that the file's bytes begin there is better seen than believed.
+    std::array<char, 64> begin{};
+    std::array<char, 64> told{};
+    const size_t length = std::min<size_t>(begin.size(), place.length);
+    const bool same = archive_read_data(handle, told.data(), length) == static_cast<la_ssize_t>(length) &&
+                      source_.read_exactly(place.offset, begin.data(), length) && begin == told;
+    return same ? std::optional(place) : std::nullopt;
+}
+
+bool ContainerReader::fail(const char* reason) {
+    reason_ = reason;
+    const char* const told = archive_ ? archive_error_string(archive_.get()) : nullptr;
+    if (told) {
+        reason_ += std::string(" (") + told + ")";
+    }
+    return false;
+}
+
+}  // namespace scsa_host
