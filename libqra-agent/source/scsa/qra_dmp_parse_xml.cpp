@@ -49,6 +49,12 @@ CReaderPtr OpenDocument(std::string& strXML) {
     return reader;
 }
 
+/// Reads the next node, as xmlTextReaderRead() does. Once a document has broken off it stays so: libxml2
+/// itself would walk on over what it has of the rest.
+int ReadNode(xmlTextReaderPtr reader) {
+    return xmlTextReaderReadState(reader) == XML_TEXTREADER_MODE_ERROR ? -1 : xmlTextReaderRead(reader);
+}
+
 bool IsNamed(xmlTextReaderPtr reader, const char* szName) {
     const xmlChar* const name = xmlTextReaderConstLocalName(reader);
     return name != nullptr && strcmp(reinterpret_cast<const char*>(name), szName) == 0;
@@ -65,7 +71,7 @@ bool HasInside(xmlTextReaderPtr reader) {
 
 /// Steps into the element that the reader stands on. Its text is taken where it has one.
 void TakeText(xmlTextReaderPtr reader, std::string& strText) {
-    if (!HasInside(reader) || xmlTextReaderRead(reader) != 1 || xmlTextReaderHasValue(reader) != 1) {
+    if (!HasInside(reader) || ReadNode(reader) != 1 || xmlTextReaderHasValue(reader) != 1) {
         return;
     }
     const xmlChar* const value = xmlTextReaderConstValue(reader);
@@ -81,7 +87,7 @@ bool WalkSection(xmlTextReaderPtr reader, const char* szSection, Visit visit) {
     if (!HasInside(reader)) {
         return true;
     }
-    while (xmlTextReaderRead(reader) == 1) {
+    while (ReadNode(reader) == 1) {
         if (IsElementStart(reader)) {
             visit();
         } else if (xmlTextReaderNodeType(reader) == XML_READER_TYPE_END_ELEMENT &&
@@ -185,8 +191,8 @@ bool CQRADmpParseXml::ParseDMPMetaData(std::string strXML, _stDMPMETADATA& data)
         return false;
     }
     bool bAnyNode = false;
-    int nResult = xmlTextReaderRead(reader.get());
-    for (; nResult == 1; nResult = xmlTextReaderRead(reader.get())) {
+    int nResult = ReadNode(reader.get());
+    for (; nResult == 1; nResult = ReadNode(reader.get())) {
         bAnyNode = true;
         m_processMateDataNode(reader.get(), data);
     }
@@ -289,10 +295,10 @@ bool CQRADmpParseXml::m_ReadTableOfContents(std::string strXML, std::string& str
         return false;
     }
     bool bFound = false;
-    int nResult = xmlTextReaderRead(reader.get());
+    int nResult = ReadNode(reader.get());
     while (nResult == 1 && !bFound) {
         bFound = m_processTableOfContentsNode(reader.get(), strName);
-        nResult = bFound ? 0 : xmlTextReaderRead(reader.get());
+        nResult = bFound ? 0 : ReadNode(reader.get());
     }
     if (nResult != 0) {
         QRA_LOG_WARNING(QRA_TAG_DMP, "CQRADmpParseXml: Fail to Parse XML = [%d]", nResult);

@@ -7,17 +7,19 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
+#include "platform/media-content/host/metadata/byte_order.h"
 #include "platform/scsa-dmp/host/entry_name.h"
 
 namespace scsa_host {
 namespace {
 
 constexpr size_t kDirectoryBlock = 512;  // a header of a tar, and about what a file takes in a ZIP
-constexpr size_t kDataBlock = 16U << 10;
+constexpr size_t kDataBlock = 4096;
+constexpr la_int64_t kZipTail = 16 << 10;  // where libarchive looks for the end of a ZIP
 
 /// Makes the calling thread's texts UTF-8 for a scope: libarchive converts names by the locale, and a program
 /// in the plain "C" locale would lose those with other letters.
@@ -41,6 +43,29 @@ private:
     locale_t before_;
 };
 
+/// The end of a ZIP, as far as it has no comment: it tells where the directory is.
+struct ZipEnd {
+    static constexpr size_t kSize = 22;
+    static constexpr std::string_view kMark = "PK\5\6";
+
+    bool is_all = false;  ///< nothing is in front of it
+    uint64_t directory = 0;
+};
+
+ZipEnd read_zip_end(ByteSource& source) {
+    std::vector<uint8_t> bytes;
+    ZipEnd end;
+    if (source.size() < ZipEnd::kSize ||
+        !source.read_block({source.size() - ZipEnd::kSize, ZipEnd::kSize}, ZipEnd::kSize, bytes) ||
+        !media_content::begins_with(bytes.data(), ZipEnd::kMark)) {
+        return end;
+    }
+    end.is_all =
+        source.size() == ZipEnd::kSize && std::count(bytes.begin() + 4, bytes.end(), 0) == ZipEnd::kSize - 4;
+    end.directory = media_content::little32(&bytes[16]);
+    return end;
+}
+
 bool ends_with(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
@@ -51,6 +76,12 @@ bool ends_with(std::string_view text, std::string_view end) {
 class ContainerReader::Input {
 public:
     explicit Input(ByteSource& source) : source_(source), buffer_(kDataBlock) {}
+
+    /// Where the directory of a ZIP begins. libarchive looks for its end in the last 16 KiB, and what lies
+    /// there before the directory are files, of which nothing is wanted then.
+    void set_directory(uint64_t begin) { directory_ = begin; }
+    /// Whether it was asked for more than the budget has.
+    bool is_exhausted() const { return exhausted_; }
 
     /// A wanted file is read in larger pieces than the names before it, and may be larger than all of them.
     void turn_to_data() {
@@ -78,14 +109,24 @@ private:
     la_ssize_t read_next(archive* archive, const void** bytes) {
         const bool unpacked_too_much =
             most_unpacked_ != 0 && static_cast<uint64_t>(archive_filter_bytes(archive, 0)) > most_unpacked_;
+        *bytes = buffer_.data();
+        if (offset_ < blank_until_) {
+            return give_blanks();
+        }
         if (budget_ == 0 || unpacked_too_much) {
-            archive_set_error(archive, EFBIG, "it asks for too much");
+            exhausted_ = true;
             return ARCHIVE_FATAL;
         }
-        *bytes = buffer_.data();
         const size_t count = source_.read(offset_, buffer_.data(), std::min<uint64_t>(block_, budget_));
         offset_ += count;
         budget_ -= count;
+        return static_cast<la_ssize_t>(count);
+    }
+
+    la_ssize_t give_blanks() {
+        const size_t count = std::min<uint64_t>(buffer_.size(), blank_until_ - offset_);
+        std::fill_n(buffer_.begin(), count, '\0');
+        offset_ += count;
         return static_cast<la_ssize_t>(count);
     }
 
@@ -98,6 +139,9 @@ private:
             return ARCHIVE_FATAL;
         }
         offset_ = static_cast<uint64_t>(base + offset);
+        const bool looks_for_end =
+            whence == SEEK_SET && offset == size - std::min<la_int64_t>(size, kZipTail);
+        blank_until_ = looks_for_end ? std::exchange(directory_, 0) : 0;
         return base + offset;
     }
 
@@ -114,6 +158,9 @@ private:
     size_t block_ = kDirectoryBlock;
     uint64_t budget_ = kLargestDirectory;
     uint64_t most_unpacked_ = 0;
+    uint64_t directory_ = 0;
+    uint64_t blank_until_ = 0;
+    bool exhausted_ = false;
 };
 
 ContainerReader::ContainerReader(ByteSource& source)
@@ -121,16 +168,28 @@ ContainerReader::ContainerReader(ByteSource& source)
 
 ContainerReader::~ContainerReader() = default;
 
+// Each format that is tried reads something, the ZIP at the end of the file.
+void ContainerReader::choose_formats() {
+    constexpr std::string_view kZipMark = "PK";
+    std::array<char, kZipMark.size()> begin{};
+    if (source_.read_exactly(0, begin.data(), begin.size()) &&
+        std::string_view(begin.data(), begin.size()) == kZipMark) {
+        input_->set_directory(read_zip_end(source_).directory);
+        archive_read_support_format_zip_seekable(archive_.get());
+        return;
+    }
+    archive_read_support_filter_gzip(archive_.get());
+    archive_read_support_format_tar(archive_.get());
+    archive_read_support_format_cpio(archive_.get());
+}
+
 bool ContainerReader::open() {
     archive_.reset(archive_read_new());
     archive* const handle = archive_.get();
     if (!handle) {
         return fail("there is not enough memory");
     }
-    archive_read_support_filter_gzip(handle);
-    archive_read_support_format_zip_seekable(handle);
-    archive_read_support_format_tar(handle);
-    archive_read_support_format_cpio(handle);
+    choose_formats();
     archive_read_set_callback_data(handle, input_.get());
     archive_read_set_read_callback(handle, Input::read);
     archive_read_set_seek_callback(handle, Input::seek);
@@ -171,6 +230,9 @@ std::string ContainerReader::name() const {
 
 bool ContainerReader::list(std::vector<std::string>& names) {
     const Utf8Names utf8;
+    if (source_.size() == ZipEnd::kSize && read_zip_end(source_).is_all) {
+        return true;  // a ZIP without any file, which libarchive does not know as one
+    }
     if (!open()) {
         return false;
     }
@@ -254,9 +316,9 @@ std::optional<ByteRange> ContainerReader::stored_place() {
 }
 
 bool ContainerReader::fail(const char* reason) {
-    reason_ = reason;
+    reason_ = input_->is_exhausted() ? "it asks for too much" : reason;
     const char* const told = archive_ ? archive_error_string(archive_.get()) : nullptr;
-    if (told) {
+    if (told && !input_->is_exhausted()) {
         reason_ += std::string(" (") + told + ")";
     }
     return false;

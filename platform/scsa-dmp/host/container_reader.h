@@ -51,6 +51,7 @@ public:
 private:
     class Input;
 
+    void choose_formats();
     bool open();
     /// Turns to the next file; false at the end, and with a reason when the container is broken.
     bool next();

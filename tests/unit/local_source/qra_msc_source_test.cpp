@@ -158,6 +158,7 @@ protected:
         write_recording("show/d", "program_title=News\nchannel_name=BBC\nmajor=1\nminor=2\n");
         write("show/e.um4");
         write("show/f.uvu");
+        fake_extractor::packages[path("show/f.uvu")].sff_xml[""] = metadata_xml("Film");
         write("show/deep/g.jpg");
         write("show/Lost+Found/h.jpg");
         std::filesystem::copy_file(QRA_TEST_FIXTURES "/music/song.mp3", path("show/song.mp3"));

@@ -347,8 +347,15 @@ TEST_F(CQRADmpParseXmlTest, OnlyTheFirstNameCounts) {
              "</t>",
              {"a", "b"}),
         1);
-    EXPECT_EQ(pick("<t><x:DescriptiveMetadata xmlns:x='u'>b</x:DescriptiveMetadata><cut", {"a", "b"}), 1)
+    const std::string blanks(10000, ' ');
+    EXPECT_EQ(
+        pick("<t><x:DescriptiveMetadata xmlns:x='u'>b</x:DescriptiveMetadata>" + blanks + "<cut", {"a", "b"}),
+        1)
         << "what follows the first is not looked at";
+}
+
+TEST_F(CQRADmpParseXmlTest, ANameThatBreaksOffIsAnEmptyOne) {
+    EXPECT_EQ(pick("<t><DescriptiveMetadata>b", {"a", "b"}), 0);
 }
 
 TEST_F(CQRADmpParseXmlTest, ATableWithoutANamePicksTheFirstEntry) {
