@@ -17,10 +17,34 @@
 
 namespace {
 
-void print_json_tiles(ListRequest& request, const TileRange& range) {
+/// Tiles that cannot be read: the rest of the list is shown all the same.
+class UnreadTiles {
+public:
+    void note(int index) {
+        print_note("tile " + std::to_string(index) + " cannot be read");
+        ++count_;
+    }
+    /// @throws CommandError if there are any
+    void check() const {
+        if (count_ > 0) {
+            throw CommandError(ExitStatus::RequestFailed,
+                               std::to_string(count_) + (count_ == 1 ? " tile" : " tiles") +
+                                   " could not be read (QRA_LOG=warning tells why)");
+        }
+    }
+
+private:
+    int count_ = 0;
+};
+
+void print_json_tiles(ListRequest& request, const TileRange& range, UnreadTiles& unread) {
     for (int index = range.begin; index < range.end; ++index) {
         check_interrupt();
-        print(request.item(index));
+        const auto text = request.item(index);
+        if (!text) {
+            unread.note(index);
+        }
+        print(text.value_or("{}\n"));
     }
 }
 
@@ -32,6 +56,15 @@ std::string heading(const CommandLine& line) {
     const std::string camera =
         "camera " + std::to_string(line.list.bus) + ":" + std::to_string(line.list.device);
     return line.list.folder_id.empty() ? camera : camera + ", folder " + line.list.folder_id;
+Tile read_tile_at(ListRequest& request, int index, UnreadTiles& unread) {
+    if (request.reach(index)) {
+        return read_tile(request.handle());
+    }
+    unread.note(index);
+    Tile tile;
+    tile.media_type = QRA_MEDIA_TYPE_VIDEO;
+    tile.detail = "cannot be read";
+    return tile;
 }
 
 Json::Value json_of(const ItemValue& value) {
@@ -65,15 +98,21 @@ void run_list(const CommandLine& line) {
     Browsing browsing(line);
     ListRequest& request = browsing.request();
     const TileRange range = tile_range(line, request.tile_count());
+    UnreadTiles unread;
     if (line.json) {
-        print_json_tiles(request, range);
-        return;
+        print_json_tiles(request, range, unread);
+    } else {
+        print(printable_text(line.path) + "  " + summary(request) + "\n\n");
+        print_grid(line.list, range, request.tile_count(),
+                   [&](int index) { return read_tile_at(request, index, unread); });
     }
     print(heading(line) + "  " + summary(request) + "\n\n");
     print_grid(line.list, range, request.tile_count(), [&request](int index) {
         request.move_to(index);
         return read_tile(request.handle());
     });
+    flush_output();
+    unread.check();
 }
 
 void run_get(const CommandLine& line) {

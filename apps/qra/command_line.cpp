@@ -18,16 +18,21 @@ constexpr const char* kPicturesInARow = "CATEGORY-TITLE";
 constexpr const char* kTopFolder = "0";
 constexpr int kLargestUsbNumber = 255;
 
-/// The built-in lists of the library, and what cameras and phones make today besides.
-constexpr const char* kExtensions =
-    R"({"param_media_extension_image":["jpg","jpeg","jpe","jfif","mpo","bmp","png","gif","webp","heic","heif","hif",)"
-    R"("avif","tif","tiff","dng","arw","cr2","cr3","nef","orf","raf","rw2"],)"
-    R"("param_media_extension_video":["avi","mpg","mpeg","mp4","m4v","vob","vro","ts","trp","tp","svi","mkv","wmv",)"
-    R"("asf","3gp","3g2","divx","flv","m2ts","mov","mts","webm","ogv","insv","s4ud","rmvb","rm"],)"
-    R"("param_media_extension_music":["mp3","wma","wav","m4a","m4b","aac","mpa","flac","ogg","oga","opus","amr",)"
-    R"("mid","midi","ape","aif","aiff"],)"
-    R"("param_media_extension_pvr":["srf"],)"
-    R"("param_media_extension_uhd":["um4","km4","sum4"]})";
+/// The built-in lists of the library, and what cameras and phones make today besides. Packaged films have no
+/// list of their own: they show where they count among the videos.
+std::string default_extensions(bool with_packages) {
+    return std::string(
+               R"({"param_media_extension_image":["jpg","jpeg","jpe","jfif","mpo","bmp","png","gif","webp","heic",)"
+               R"("heif","hif","avif","tif","tiff","dng","arw","cr2","cr3","nef","orf","raf","rw2"],)"
+               R"("param_media_extension_video":["avi","mpg","mpeg","mp4","m4v","vob","vro","ts","trp","tp","svi",)"
+               R"("mkv","wmv","asf","3gp","3g2","divx","flv","m2ts","mov","mts","webm","ogv","insv","s4ud","rmvb",)"
+               R"("rm")") +
+           (with_packages ? R"(,"uvu","uva","uvt","scsa","uvz")" : "") +
+           R"(],"param_media_extension_music":["mp3","wma","wav","m4a","m4b","aac","mpa","flac","ogg","oga","opus",)"
+           R"("amr","mid","midi","ape","aif","aiff"],)"
+           R"("param_media_extension_pvr":["srf"],)"
+           R"("param_media_extension_uhd":["um4","km4","sum4"]})";
+}
 
 constexpr const char* kViews =
     "Sort categories of one folder: CATEGORY-FOLDER-TITLE, CATEGORY-FOLDER-DATE, CATEGORY-FOLDER,\n"
@@ -149,7 +154,7 @@ void add_request_options(CLI::App& command, CommandLine& line) {
         ->check(CLI::IsMember({"row", "column"}));
     command.add_option("--keyword", list.keyword, "What CATEGORY-KEYWORD-SEARCH looks for");
     command.add_option("--extension", list.extension, "File extensions of each content type, as JSON");
-    command.add_flag("--uhd", list.uhd, "With UHD content");
+    command.add_flag("--uhd", list.uhd, "With UHD content and packaged films");
     command.add_flag_callback(
         "--no-scan", [&line] { line.scan_first = false; },
         "Take what the media database has, without a scan");
@@ -280,6 +285,20 @@ void add_get_command(CLI::App& app, CommandLine& line) {
     get->add_option("FIELD", line.fields, "Names such as TITLE, FILE_PATH, WIDTH")->required();
     get->add_flag("--json", line.json, "One JSON object with all values");
     get->callback([&line] { line.command = run_get; });
+}
+
+void add_package_command(CLI::App& app, CommandLine& line) {
+    CLI::App* package =
+        app.add_subcommand("package", "Show what a packaged film tells: titles, rating, picture");
+    package
+        ->add_option("FILE", line.path,
+                     "The package; one that lies on no drive has its folder attached first")
+        ->required();
+    package->add_flag("--json", line.json, "One JSON object");
+    package->add_flag_callback(
+        "--no-scan", [&line] { line.scan_first = false; },
+        "Take what the media database has, without a scan");
+    package->callback([&line] { line.command = run_package; });
 }
 
 constexpr const char* kChoices =
@@ -479,7 +498,7 @@ void add_account_commands(CLI::App& app, CommandLine& line) {
 
 std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine& command_line) {
     CLI::App app("Browse media with the QRA content agent.", "qra");
-    command_line.list.extension = kExtensions;
+    command_line.list.extension = default_extensions(false);
     app.set_version_flag("--version", version_text());
     app.require_subcommand(1);
     app.footer(kFooter);
@@ -488,6 +507,7 @@ std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine&
     add_list_command(app, command_line);
     add_detail_command(app, command_line);
     add_get_command(app, command_line);
+    add_package_command(app, command_line);
     add_job_commands(app, command_line);
     add_account_commands(app, command_line);
     add_playlist_commands(app, command_line);
@@ -496,6 +516,9 @@ std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine&
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? ExitStatus::Success : ExitStatus::Usage;
+    }
+    if (command_line.list.uhd && command_line.list.extension == default_extensions(false)) {
+        command_line.list.extension = default_extensions(true);
     }
     return std::nullopt;
 }

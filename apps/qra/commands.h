@@ -16,6 +16,7 @@ void run_list(const CommandLine& line);
 void run_remote_list(const CommandLine& line);
 void run_detail(const CommandLine& line);
 void run_get(const CommandLine& line);
+void run_package(const CommandLine& line);
 void run_copy(const CommandLine& line);
 void run_delete(const CommandLine& line);
 void run_account_add(const CommandLine& line);

@@ -124,11 +124,17 @@ int ListRequest::count_of(qra_media_type_e type) const {
     return qra_get_item_count_by_type_v2(handle_, type, &count) == QRA_ERROR_NONE ? count : 0;
 }
 
-std::string ListRequest::item(int index) {
+std::optional<std::string> ListRequest::item(int index) {
     char* text = nullptr;
-    check("tile " + std::to_string(index), qra_get_item_v2(handle_, index, &text));
+    if (qra_get_item_v2(handle_, index, &text) != QRA_ERROR_NONE) {
+        return std::nullopt;
+    }
     const std::unique_ptr<char, decltype(&std::free)> owner(text, &std::free);
     return text;
+}
+
+bool ListRequest::reach(int index) {
+    return qra_move_to_index_v2(handle_, index) == QRA_ERROR_NONE;
 }
 
 void ListRequest::move_to(int index) {

@@ -57,8 +57,14 @@ public:
     /// does. The page is laid out anew with the options afterwards.
     int group_count(const ListOptions& options);
 
+    // A packaged film that cannot be read is a tile that the cursor cannot be put on.
+
     /// The tile's text exactly as qra_get_item_v2() gives it; the cursor stands on the tile afterwards.
-    std::string item(int index);
+    /// Nothing for a tile that cannot be read.
+    std::optional<std::string> item(int index);
+    /// False for a tile that cannot be read.
+    bool reach(int index);
+    /// @throws CommandError where reach() fails
     void move_to(int index);
 
     /// For reading values at the cursor.

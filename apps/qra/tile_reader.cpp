@@ -44,8 +44,20 @@ void read_image(qra_agent_handler_h list, Tile& tile) {
     tile.date = date_of(list, "MODIFIED_TIME");
 }
 
+void read_package(qra_agent_handler_h list, Tile& tile) {
+    const std::string path = read_text(list, "FILE_PATH");
+    const std::string title = read_text(list, "TITLE_60");
+    tile.title = title.empty() ? path.substr(path.rfind('/') + 1) : title;
+    tile.detail = "package";
+}
+
+/// Packages in the lists of videos are tiles of the same kind, and have no name of their own.
 void read_video(qra_agent_handler_h list, Tile& tile) {
     tile.title = read_text(list, "DISPLAY_NAME");
+    if (tile.title.empty()) {
+        read_package(list, tile);
+        return;
+    }
     tile.detail = joined(size_of(list), duration_of(list), "  ");
     tile.date = date_of(list, "MODIFIED_TIME");
 }
@@ -80,12 +92,6 @@ void read_uhd(qra_agent_handler_h list, Tile& tile) {
     tile.title = read_text(list, "DISPLAY_NAME");
     tile.detail = size_of(list);
     tile.date = date_of(list, "MODIFIED_TIME");
-}
-
-void read_package(qra_agent_handler_h list, Tile& tile) {
-    const std::string path = read_text(list, "FILE_PATH");
-    tile.title = path.substr(path.rfind('/') + 1);
-    tile.detail = "package";
 }
 
 void read_up_folder(qra_agent_handler_h, Tile& tile) {

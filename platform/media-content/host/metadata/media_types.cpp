@@ -154,6 +154,7 @@ constexpr MediaType kTypes[] = {
     {"uva", kScsa, "audio/vnd.dece.audio"},
     {"uvt", kScsa, "application/vnd.dece.ttml+xml"},
     {"scsa", kScsa, "video/mp4"},
+    {"uvz", kScsa, "application/vnd.dece.zip"},
 };
 
 constexpr size_t kLongestExtension = 5;

@@ -52,7 +52,7 @@ TEST(MediaTypes, EachKindHasItsExtensions) {
     for (const char* name : {"a.um4", "a.km4", "a.sum4"}) {
         EXPECT_EQ(kind_of(name), MediaKind::kUhd) << name;
     }
-    for (const char* name : {"a.uvu", "a.uva", "a.uvt", "a.scsa"}) {
+    for (const char* name : {"a.uvu", "a.uva", "a.uvt", "a.scsa", "a.uvz"}) {
         EXPECT_EQ(kind_of(name), MediaKind::kScsa) << name;
     }
 }
