@@ -56,6 +56,8 @@ std::string heading(const CommandLine& line) {
     const std::string camera =
         "camera " + std::to_string(line.list.bus) + ":" + std::to_string(line.list.device);
     return line.list.folder_id.empty() ? camera : camera + ", folder " + line.list.folder_id;
+}
+
 Tile read_tile_at(ListRequest& request, int index, UnreadTiles& unread) {
     if (request.reach(index)) {
         return read_tile(request.handle());
@@ -102,15 +104,10 @@ void run_list(const CommandLine& line) {
     if (line.json) {
         print_json_tiles(request, range, unread);
     } else {
-        print(printable_text(line.path) + "  " + summary(request) + "\n\n");
+        print(heading(line) + "  " + summary(request) + "\n\n");
         print_grid(line.list, range, request.tile_count(),
                    [&](int index) { return read_tile_at(request, index, unread); });
     }
-    print(heading(line) + "  " + summary(request) + "\n\n");
-    print_grid(line.list, range, request.tile_count(), [&request](int index) {
-        request.move_to(index);
-        return read_tile(request.handle());
-    });
     flush_output();
     unread.check();
 }

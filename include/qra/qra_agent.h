@@ -381,6 +381,11 @@ QRA_API qra_error_code_e qra_move_to_previous_v2(qra_agent_handler_h hAgent);
  * @retval QRA_ERROR_INTERNAL       no such tile, or the source does not have the item any more
  *
  * A cursor that could not be moved stays where it was.
+ *
+ * A move to a packaged film reads the package, once in the life of the process, which may take long. It fails
+ * with QRA_ERROR_INTERNAL if the package cannot be read, as does qra_get_item_v2() with
+ * QRA_ERROR_INVALID_PARAM. The reading ends with libxml2's xmlCleanupParser(): no other thread of the process
+ * may be parsing XML with libxml2 meanwhile.
  */
 QRA_API qra_error_code_e qra_move_to_index_v2(qra_agent_handler_h hAgent, int nIndex);
 

@@ -318,7 +318,10 @@ QRA_API qra_error_code_e qra_param_get_general_country(qra_general_param_h handl
 /**
  * Sets the file extensions that make up each content type, as JSON: arrays of lower-case texts without the
  * dot under "param_media_extension_image", "..._video", "..._music", "..._pvr" and "..._uhd". It replaces
- * the built-in lists altogether.
+ * the built-in lists altogether. Packaged films are in none of the built-in lists and have no array of their
+ * own: they are listed where their extensions stand in another one, such as that of the videos, and count as
+ * media of that type then. qra_get_item_v2() builds the text of that type for them; what a package tells
+ * (TITLE_19, COUNTRY, WIDTH ...) comes from the getters of single values.
  * @param handle the record
  * @param value copied; neither null nor empty
  * @return QRA_ERROR_NONE; QRA_ERROR_INVALID_PARAM; QRA_ERROR_OUT_OF_MEMORY
