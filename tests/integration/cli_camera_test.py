@@ -167,6 +167,62 @@ class CameraGetTest(CameraTest):
         self.assertEqual(1, len(self.copied()))
 
 
+class CameraTilesTest(CameraTest):
+    """The agent's own lists, through the real service."""
+
+    def plug(self, *lines, **place):
+        super().plug(f"log = {self.directory}/log", *lines, **place)
+
+    def tiles_of(self, *arguments):
+        return [tile for tile in self.tiles("--source", "SOURCE_PTP", "--bus", "1", "--device", "5", *arguments)
+                if "DISPLAY_NAME" in tile]
+
+    def bytes_of(self, operation):
+        lines = (self.directory / "log").read_text().splitlines()
+        return sum(int(line.split()[-2]) for line in lines if line.startswith(operation + " "))
+
+    def add_360(self):
+        corpus = PROJECT / "tests" / "corpus"
+        (self.tree / "pan.jpg").write_bytes((corpus / "ptp_image" / "note_big_endian.jpg").read_bytes())
+        film = (corpus / "ptp_video" / "stitched.mp4").read_bytes()
+        (self.tree / "pan.mp4").write_bytes((1000008).to_bytes(4, "big") + b"mdat" + bytes(1000000) + film)
+
+    def test_a_folder_and_all_pictures_in_a_row(self):
+        self.plug()
+        self.assertEqual(["DCIM", "film.mp4", "top.png"],
+                         [tile["DISPLAY_NAME"] for tile in self.tiles_of("--folder-id", "0")])
+        row = {tile["DISPLAY_NAME"]: tile for tile in self.tiles_of()}
+        self.assertEqual(["sea.jpg", "top.png"], sorted(row))
+        self.assertEqual((40, 30), (row["sea.jpg"]["WIDTH"], row["sea.jpg"]["HEIGHT"]))
+
+    def test_shots_all_around_are_marked_and_their_films_are_not_fetched(self):
+        self.add_360()
+        self.plug("model = XQ-T410")
+        tiles = {tile["DISPLAY_NAME"]: tile.get("IS_360") for tile in self.tiles_of("--folder-id", "0")}
+        self.assertEqual((True, True, False), (tiles["pan.jpg"], tiles["pan.mp4"], tiles["film.mp4"]))
+        self.assertLess(self.bytes_of("GetPartialObject"), 2000)
+        self.assertLess(self.bytes_of("GetObject"), 2000)
+
+    def test_other_models_are_not_asked_for_a_byte_of_their_files(self):
+        self.add_360()
+        self.plug()
+        self.assertEqual({None, False}, {tile.get("IS_360") for tile in self.tiles_of("--folder-id", "0")})
+        self.assertEqual((0, 0), (self.bytes_of("GetPartialObject"), self.bytes_of("GetObject")))
+
+    def test_a_camera_without_ranges_gives_a_film_once(self):
+        self.add_360()
+        self.plug("model = XQ-T410", "ranges = no")
+        self.assertEqual(1, len([tile for tile in self.tiles_of("--folder-id", "0")
+                                 if tile["DISPLAY_NAME"] == "pan.mp4" and tile["IS_360"]]))
+        self.assertLess(self.bytes_of("GetObject"), 2100000)
+
+    def test_a_camera_that_is_pulled_during_the_list_fails_it(self):
+        self.plug("fault = unplug GetObjectInfo 2")
+        self.assert_fails(FAILED, ".", "list", "--source", "SOURCE_PTP", "--bus", "1", "--device", "5", "--folder-id",
+                          "0")
+        self.assertEqual([], self.json_lines("camera", "list"))
+
+
 class CameraDemoTest(CameraTest):
     def test_demo_shows_the_card_copies_from_it_and_pulls_the_camera(self):
         done = subprocess.run(["scripts/demo-camera"], cwd=PROJECT, capture_output=True, text=True, timeout=300, env=dict(

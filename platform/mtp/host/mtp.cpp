@@ -62,7 +62,9 @@ int Service::initialize() {
         __dlog_print(0, DLOG_PRIORITY_WARNING, kTag, "this libmtp cannot be guarded, and is not used");
         return MTP_ERROR_IO;
     }
-    LIBMTP_Init();
+    // Its tables grow with each call.
+    static std::once_flag once;
+    std::call_once(once, LIBMTP_Init);
     if (const int code = libusb_init(&context_); code != LIBUSB_SUCCESS) {
         __dlog_print(0, DLOG_PRIORITY_WARNING, kTag, "no USB: %s", libusb_error_name(code));
         context_ = nullptr;
