@@ -155,7 +155,7 @@ bool is_path(const char* path) {
 
 int keep_of_type(Session& session, int file_type, std::vector<uint32_t>& objects) {
     const auto is_other = [&](uint32_t object) {
-        const mtp_object_info* info = nullptr;
+        const mtp::ObjectInfo* info = nullptr;
         return session.info(object, info) != MTP_ERROR_NONE || info->file_type != file_type;
     };
     objects.erase(std::remove_if(objects.begin(), objects.end(), is_other), objects.end());
@@ -203,7 +203,7 @@ private:
 int fetch_whole(Session& session, mtp_object_h object, OutputFile& file, mtp_progress_cb progress,
                 void* user_data) {
     const auto number = static_cast<uint32_t>(object);
-    const mtp_object_info* info = nullptr;
+    const mtp::ObjectInfo* info = nullptr;
     if (const int code = session.info(number, info); code != MTP_ERROR_NONE) {
         return code;
     }
@@ -335,10 +335,10 @@ int mtp_objectinfo_get_object_info(mtp_device_h device, mtp_object_h object, mtp
     *info = {};
     return with_device(device, [&](Device& found) {
         return found.call([&](Session& session) {
-            const mtp_object_info* known = nullptr;
+            const mtp::ObjectInfo* known = nullptr;
             const int code = session.info(static_cast<uint32_t>(object), known);
             if (code == MTP_ERROR_NONE) {
-                *info = *known;
+                *info = mtp::contract_info(*known);
             }
             return code;
         });

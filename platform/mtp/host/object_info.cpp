@@ -70,16 +70,27 @@ int in_range(int64_t value) {
 
 }  // namespace
 
-mtp_object_info object_info(const LIBMTP_file_struct& file, const Transport::Pixels& pixels) {
-    const std::string name = file_name(file.filename);
-    mtp_object_info info{};
-    info.file_type = file_type(static_cast<int>(file.filetype), name);
+ObjectInfo object_info(const LIBMTP_file_struct& file, const Transport::Pixels& pixels) {
+    ObjectInfo info;
+    info.there = true;
+    info.name = file_name(file.filename);
+    info.file_type = file_type(static_cast<int>(file.filetype), info.name);
     info.size = info.file_type == MTP_FILETYPE_FOLDER ? 0 : file.filesize;
     info.width = in_range(pixels.width);
     info.height = in_range(pixels.height);
     info.modified_time = in_range(file.modificationdate);
-    std::memcpy(info.file_name, name.c_str(), name.size() + 1);
     return info;
+}
+
+mtp_object_info contract_info(const ObjectInfo& info) {
+    mtp_object_info told{};
+    told.file_type = info.file_type;
+    told.size = info.size;
+    told.width = info.width;
+    told.height = info.height;
+    told.modified_time = info.modified_time;
+    std::memcpy(told.file_name, info.name.c_str(), info.name.size() + 1);
+    return told;
 }
 
 }  // namespace mtp

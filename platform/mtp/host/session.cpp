@@ -8,7 +8,6 @@
 #include <mutex>
 #include <utility>
 
-#include "platform/mtp/host/object_info.h"
 #include "platform/mtp/host/output_file.h"
 
 namespace mtp {
@@ -123,7 +122,7 @@ int Session::error() const {
 int Session::refused(uint32_t object) {
     const int code = error();
     if (code == MTP_ERROR_NO_OBJECT) {
-        known_[object] = Known();
+        known_[object] = ObjectInfo();
     }
     return code;
 }
@@ -148,7 +147,7 @@ int Session::storages(std::vector<uint32_t>& ids) {
 }
 
 void Session::learn(const LIBMTP_file_struct& file) {
-    known_[file.item_id] = {true, object_info(file, transport_.pixels(file.item_id))};
+    known_[file.item_id] = object_info(file, transport_.pixels(file.item_id));
 }
 
 int Session::children(uint32_t storage, uint32_t parent, std::vector<uint32_t>& objects) {
@@ -166,7 +165,7 @@ int Session::children(uint32_t storage, uint32_t parent, std::vector<uint32_t>& 
     return code;
 }
 
-int Session::info(uint32_t object, const mtp_object_info*& info) {
+int Session::info(uint32_t object, const ObjectInfo*& info) {
     if (object == 0) {
         return MTP_ERROR_NO_OBJECT;
     }
@@ -179,18 +178,18 @@ int Session::info(uint32_t object, const mtp_object_info*& info) {
         learn(*file);
         it = known_.find(object);
     }
-    info = &it->second.info;
-    return it->second.there ? MTP_ERROR_NONE : MTP_ERROR_NO_OBJECT;
+    info = &it->second;
+    return info->there ? MTP_ERROR_NONE : MTP_ERROR_NO_OBJECT;
 }
 
 /// As info(), and a folder is no object.
-int Session::file_info(uint32_t object, const mtp_object_info*& info) {
+int Session::file_info(uint32_t object, const ObjectInfo*& info) {
     const int code = this->info(object, info);
     return code == MTP_ERROR_NONE && info->file_type == MTP_FILETYPE_FOLDER ? int{MTP_ERROR_NO_OBJECT} : code;
 }
 
 int Session::whole(uint32_t object, const Sink& sink) {
-    const mtp_object_info* info = nullptr;
+    const ObjectInfo* info = nullptr;
     if (const int code = file_info(object, info); code != MTP_ERROR_NONE) {
         return code;
     }
@@ -220,7 +219,7 @@ int Session::thumbnail(uint32_t object, std::vector<uint8_t>& bytes) {
 
 int Session::range(uint32_t object, const std::string& path, uint64_t offset, uint32_t length,
                    std::vector<uint8_t>& bytes) {
-    const mtp_object_info* info = nullptr;
+    const ObjectInfo* info = nullptr;
     if (const int code = file_info(object, info); code != MTP_ERROR_NONE) {
         return code;
     }

@@ -10,6 +10,7 @@
 
 #include "mtp.h"
 #include "platform/files/descriptor.h"
+#include "platform/mtp/host/object_info.h"
 #include "platform/mtp/host/transport.h"
 
 struct LIBMTP_file_struct;
@@ -47,7 +48,7 @@ public:
     /// Describes the objects as well, which are known from then on.
     int children(uint32_t storage, uint32_t parent, std::vector<uint32_t>& objects);
     /// @param info  valid until the next call
-    int info(uint32_t object, const mtp_object_info*& info);
+    int info(uint32_t object, const ObjectInfo*& info);
     int whole(uint32_t object, const Sink& sink);
     int thumbnail(uint32_t object, std::vector<uint8_t>& bytes);
     /// @param path  beside it lies what has to be fetched whole
@@ -55,11 +56,6 @@ public:
               std::vector<uint8_t>& bytes);
 
 private:
-    /// An object that was described, or one that has vanished.
-    struct Known {
-        bool there = false;
-        mtp_object_info info{};
-    };
     /// The copy of an object that ranges come from.
     struct Spool {
         uint32_t object = 0;
@@ -70,14 +66,14 @@ private:
     int error() const;
     int refused(uint32_t object);
     void learn(const LIBMTP_file_struct& file);
-    int file_info(uint32_t object, const mtp_object_info*& info);
+    int file_info(uint32_t object, const ObjectInfo*& info);
     int asked_range(uint32_t object, uint64_t offset, uint32_t length, std::vector<uint8_t>& bytes);
     int spooled_range(uint32_t object, const std::string& path, uint64_t offset, uint32_t length,
                       std::vector<uint8_t>& bytes);
 
     LIBMTP_mtpdevice_struct* const device_;
     Transport& transport_;
-    std::unordered_map<uint32_t, Known> known_;
+    std::unordered_map<uint32_t, ObjectInfo> known_;
     Spool spool_;
     bool storages_are_fresh_ = true;  ///< libmtp has asked for them when it opened the session
 };
