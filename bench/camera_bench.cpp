@@ -184,6 +184,7 @@ void run(VirtualCameras& cameras, const std::string& kind) {
 }  // namespace
 
 int main() {
+    setenv("QRA_LOG", "off", 0);
     VirtualCameras cameras;
     // libmtp's texts go to the log from here on, for all three.
     expect(mtp_initialize() == 0, "no service");

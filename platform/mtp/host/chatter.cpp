@@ -79,7 +79,7 @@ void log_perror(const char* text) {
 }
 
 void end_log_line() {
-    std::fputc('\n', log_stream());
+    flush();
 }
 
 }  // namespace mtp

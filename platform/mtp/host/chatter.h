@@ -15,7 +15,7 @@ int log_putchar(int c);
 int log_printf(int flag, const char* format, ...) __attribute__((format(printf, 2, 3)));
 void log_perror(const char* text);
 
-/// Ends a line that its writer left open.
+/// Ends a line that this thread left open.
 void end_log_line();
 
 }  // namespace mtp

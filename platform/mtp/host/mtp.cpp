@@ -338,7 +338,7 @@ int mtp_objectinfo_get_object_info(mtp_device_h device, mtp_object_h object, mtp
             const mtp::ObjectInfo* known = nullptr;
             const int code = session.info(static_cast<uint32_t>(object), known);
             if (code == MTP_ERROR_NONE) {
-                *info = mtp::contract_info(*known);
+                mtp::tell(*known, *info);
             }
             return code;
         });

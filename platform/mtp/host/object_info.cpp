@@ -82,15 +82,13 @@ ObjectInfo object_info(const LIBMTP_file_struct& file, const Transport::Pixels& 
     return info;
 }
 
-mtp_object_info contract_info(const ObjectInfo& info) {
-    mtp_object_info told{};
+void tell(const ObjectInfo& info, mtp_object_info& told) {
     told.file_type = info.file_type;
     told.size = info.size;
     told.width = info.width;
     told.height = info.height;
     told.modified_time = info.modified_time;
     std::memcpy(told.file_name, info.name.c_str(), info.name.size() + 1);
-    return told;
 }
 
 }  // namespace mtp

@@ -25,8 +25,8 @@ struct ObjectInfo {
 /// From what libmtp and the device tell.
 ObjectInfo object_info(const LIBMTP_file_struct& file, const Transport::Pixels& pixels);
 
-/// In the form of the contract.
-mtp_object_info contract_info(const ObjectInfo& info);
+/// In the form of the contract. `told` is all 0 before.
+void tell(const ObjectInfo& info, mtp_object_info& told);
 
 }  // namespace mtp
 

@@ -147,7 +147,14 @@ int Session::storages(std::vector<uint32_t>& ids) {
 }
 
 void Session::learn(const LIBMTP_file_struct& file) {
-    known_[file.item_id] = object_info(file, transport_.pixels(file.item_id));
+    ObjectInfo& known = known_[file.item_id];
+    ObjectInfo told = object_info(file, transport_.take_pixels(file.item_id));
+    if (told.width == 0 && told.height == 0) {
+        // libmtp did not ask the device again.
+        told.width = known.width;
+        told.height = known.height;
+    }
+    known = std::move(told);
 }
 
 int Session::children(uint32_t storage, uint32_t parent, std::vector<uint32_t>& objects) {

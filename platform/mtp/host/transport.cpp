@@ -235,12 +235,15 @@ void Transport::keep_pixels() {
     // Some devices tell an object's size with 64 bits; the name's length then comes four bytes later.
     const bool wide = description_[kNameLengthAt] == 0 && description_[kNameLengthAt + 4] != 0;
     const unsigned char* const width = description_.data() + kWidthAt + (wide ? 4 : 0);
-    pixels_[object_] = {little32(width), little32(width + 4)};
+    const Pixels pixels = {little32(width), little32(width + 4)};
+    if (pixels.width != 0 || pixels.height != 0) {
+        pixels_[object_] = pixels;
+    }
 }
 
-Transport::Pixels Transport::pixels(uint32_t object) const {
-    const auto it = pixels_.find(object);
-    return it != pixels_.end() ? it->second : Pixels();
+Transport::Pixels Transport::take_pixels(uint32_t object) {
+    const auto taken = pixels_.extract(object);
+    return taken ? taken.mapped() : Pixels();
 }
 
 void Transport::close_leftovers() {

@@ -58,8 +58,8 @@ public:
     uint16_t refusal() const { return refusal_; }
     /// The operation that refusal() answered.
     uint16_t refused_operation() const { return refused_operation_; }
-    /// The size of a picture whose description came in this session; zeros for any other object.
-    Pixels pixels(uint32_t object) const;
+    /// The size of a picture whose description came in this session, once; zeros for any other object.
+    Pixels take_pixels(uint32_t object);
 
     /// From here on the device is asked nothing more: for a session that is of no use.
     void mute() { muted_ = true; }

@@ -137,6 +137,8 @@ TEST_F(Mtp, ObjectsAreToldAsTheyAre) {
     EXPECT_EQ(told.width, 640);
     EXPECT_EQ(told.height, 480);
     EXPECT_EQ(told.modified_time, 1600000000);
+    const mtp_object_info again = info(device, child(device, "Bild \xC3\xA4 \xE6\x97\xA5.jpg", folder));
+    EXPECT_EQ(again.width, 640) << "listed once more";
 }
 
 class MtpKinds : public Mtp, public testing::WithParamInterface<const char*> {};
