@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include "libqra-agent/agent/src/qra_handler_mgr.h"
+#include "tests/fakes/fake_mtp.h"
 #include "tests/unit/share/share_fixture.h"
 
 namespace fs = std::filesystem;
@@ -309,6 +310,28 @@ TEST_F(CopyJob, FailsToOpenAFileOfACamera) {
     EXPECT_EQ(client_.milestones(), Events{QRA_EVENT_BATCH_FAILED});
     EXPECT_TRUE(log_.contains("Open ptp file[ptp://1;2;3] failed. "));
     EXPECT_TRUE(fs::is_empty(dest_));
+}
+
+TEST_F(CopyJob, OpensAFileOfACameraAndFailsAtItsFirstRead) {
+    FakeMtp::Device camera;
+    camera.handle = 12;
+    camera.bus = 1;
+    camera.number = 2;
+    FakeMtp::instance().devices = {camera};
+    select("a.mp4", "x", QRA_MEDIA_TYPE_VIDEO);
+    script_.items.back().texts["FILE_PATH"] = "ptp://1;2;12/5";
+    select("b.jpg", "y");
+    param_.source_dev_type = QRA_DEV_TYPE_PTP;
+    run_copy();
+    EXPECT_EQ(client_.milestones(), Events{QRA_EVENT_BATCH_FAILED});
+    EXPECT_TRUE(log_.contains("Not Open or m_szBuffer is NULL"));
+    EXPECT_TRUE(log_.contains("Read data form ptp file faild."));
+    EXPECT_TRUE(log_.contains("Do copy job failed, eResType[4]."));
+    EXPECT_FALSE(log_.contains("Open ptp file["));
+    for (const fs::directory_entry& left : fs::recursive_directory_iterator(dest_)) {
+        EXPECT_TRUE(left.is_directory()) << left.path();
+    }
+    EXPECT_EQ(FakeMtp::instance().bytes(), 0U);
 }
 
 TEST_F(CopyJob, ASourceThatHasGrownIsCopiedToTheEndOfItsBlock) {
