@@ -1,0 +1,160 @@
+#ifndef QRA_TESTS_DLNA_ROUNDS_H
+#define QRA_TESTS_DLNA_ROUNDS_H
+
+#include <dirent.h>
+#include <glib.h>
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/dlna/home_network.h"
+#include "tests/dlna/media_server.h"
+
+/// Which actions the server holds back, and so the phase that a round is in when it ends.
+inline const std::vector<std::vector<std::string>> kPhases = {
+    {},
+    {"Browse.hold", "Search.hold", "X_GetFeatureList.hold", "GetSystemUpdateID.hold", "GET.hold",
+     "CreateObject.hold"},
+    {"GET.silent", "POST.hold", "GetSearchCapabilities.hold"},
+    {"Browse.cut", "Search.cut", "GET.cut", "POST.cut"},
+};
+
+inline int entries_of(const char* directory) {
+    int count = 0;
+    DIR* open = opendir(directory);
+    while (readdir(open) != nullptr) {
+        ++count;
+    }
+    closedir(open);
+    return count;
+}
+
+/// What a process must not have more and more of.
+struct Resources {
+    int descriptors = entries_of("/proc/self/fd");
+    int threads = entries_of("/proc/self/task");
+};
+
+/// Whether the process comes down to that again: GLib closes some things on threads of its own.
+inline bool settles_at(const Resources& before) {
+    // Threads of GLib's pool come and go as they please, up to its size.
+    constexpr int kPool = 12;
+    const gint64 deadline = g_get_monotonic_time() + 30 * G_USEC_PER_SEC;
+    while (g_get_monotonic_time() < deadline) {
+        const Resources now;
+        if (now.descriptors <= before.descriptors && now.threads <= before.threads + kPool) {
+            return true;
+        }
+        g_usleep(5000);
+    }
+    return false;
+}
+
+struct RoundsTest : HomeNetworkTest {
+    void start() {
+        server = std::make_unique<MediaServer>();
+        server->generate("p", "image", 20);
+        server->tell({"size", "p-0", "100000"});
+        upload = directory.write("upload.jpg", std::string(50'000, 'u'));
+        provider = wait_for();
+        ASSERT_NE(provider, nullptr);
+    }
+    void misbehave(int round) {
+        server->clear();
+        for (const std::string& fault : kPhases[static_cast<size_t>(round) % kPhases.size()]) {
+            server->set(fault, "100");
+        }
+    }
+    int start_download(int round, TransferReply& reply) {
+        return nbl_provider_download(server->url("/res/p-0").c_str(), "image/jpeg",
+                                     directory.path("file" + std::to_string(round % 10)).c_str(), 10,
+                                     &TransferReply::on_download, &reply, &reply.token);
+    }
+    int start_upload(TransferReply& reply) {
+        nbl_item_t item = nullptr;
+        nbl_item_get_local_content(upload.c_str(), "image/jpeg", &item);
+        const int result =
+            nbl_provider_receive(provider, item, &TransferReply::kUpload, &reply, &reply.token);
+        nbl_item_free(item);
+        return result;
+    }
+    /// One of everything; ended by `end` at whatever stage it is then. All of it is answered, once.
+    template <typename End>
+    void round(int number, End end) {
+        misbehave(number);
+        const char* phase = number % 3 == 1 ? "Browse" : "CreateObject";
+        const long seen = server->count(phase);
+        Reply children;
+        Reply item;
+        Reply found;
+        Reply told;
+        Reply view;
+        TransferReply download;
+        TransferReply sent;
+        browse(provider, "p", 0, 10, children);
+        browse_item(provider, "p", item);
+        search(provider, "A", {NBL_ITEM_TYPE_IMAGE}, 5, found);
+        features(provider, told);
+        browse(provider, "I_N", 0, 200, view);
+        EXPECT_EQ(start_download(number, download), NBL_ERROR_NONE);
+        EXPECT_EQ(start_upload(sent), NBL_ERROR_NONE);
+        // Some rounds are ended at once, others amid their work.
+        if (number % 3 != 0) {
+            server->await(phase, seen + 1);
+        }
+        end(std::vector<int>{children.token, item.token, found.token, told.token, view.token, download.token,
+                             sent.token});
+        server->clear();
+        server->release();
+    }
+    void cancel_rounds(int first, int count) {
+        for (int i = first; i < first + count; ++i) {
+            round(i, [this](const std::vector<int>& tokens) {
+                for (size_t at = 0; at < 5; ++at) {
+                    EXPECT_EQ(nbl_provider_cancel_async_action(tokens[at]), NBL_ERROR_NONE);
+                }
+                EXPECT_EQ(nbl_provider_cancel_download(tokens[5]), NBL_ERROR_NONE);
+                EXPECT_EQ(nbl_provider_cancel_receive(provider, tokens[6], nullptr, nullptr), NBL_ERROR_NONE);
+            });
+        }
+    }
+    void leave_rounds(int first, int count) {
+        for (int i = first; i < first + count; ++i) {
+            round(i, [this](const std::vector<int>&) { disconnect(); });
+            connect();
+            ASSERT_EQ(wait_for(), provider);
+        }
+    }
+    void expect_a_working_service() {
+        Reply reply;
+        browse(provider, "p", 0, 200, reply);
+        EXPECT_EQ(reply.wait(), NBL_ERROR_NONE);
+        EXPECT_THAT(reply.items, testing::SizeIs(20));
+    }
+    /// Rounds of all kinds, and the same again: the second half may leave nothing more than the first one.
+    void expect_nothing_left(int cancels, int leaves) {
+        cancel_rounds(0, cancels);
+        leave_rounds(0, leaves);
+        disconnect();
+        const Resources before;
+        connect();
+        ASSERT_EQ(wait_for(), provider);
+        cancel_rounds(cancels, cancels);
+        leave_rounds(leaves, leaves);
+        disconnect();
+        EXPECT_TRUE(settles_at(before))
+            << "descriptors: " << Resources().descriptors << ", at first " << before.descriptors
+            << "; threads: " << Resources().threads << ", at first " << before.threads;
+        connect();
+        ASSERT_EQ(wait_for(), provider);
+        expect_a_working_service();
+    }
+
+    std::unique_ptr<MediaServer> server;
+    nbl_provider_t provider = nullptr;
+    std::string upload;
+};
+
+#endif
