@@ -172,6 +172,7 @@ TEST_F(RygelTest, TakesAFileAndGivesItBack) {
     const std::vector<Item> photos = wait_until_found("upload", NBL_ITEM_TYPE_IMAGE, 1);
     ASSERT_THAT(photos, SizeIs(1));
     expect_download(photos[0], original);
+    expect_views(4);
 }
 
 }  // namespace
