@@ -49,13 +49,16 @@ void print_json_tiles(ListRequest& request, const TileRange& range, UnreadTiles&
 }
 
 /// What is listed, for a person.
-std::string heading(const CommandLine& line) {
+std::string heading(const CommandLine& line, const ListRequest& request) {
     if (line.list.source != kCameraSource) {
-        return printable_text(line.path);
+        return printable_text(line.path) + "  " + summary(request);
     }
     const std::string camera =
         "camera " + std::to_string(line.list.bus) + ":" + std::to_string(line.list.device);
-    return line.list.folder_id.empty() ? camera : camera + ", folder " + line.list.folder_id;
+    // Cameras count all that they have as pictures.
+    const int count = request.count_of(QRA_MEDIA_TYPE_IMAGE);
+    return camera + (line.list.folder_id.empty() ? "" : ", folder " + line.list.folder_id) + "  " +
+           std::to_string(count) + (count == 1 ? " item" : " items");
 }
 
 Tile read_tile_at(ListRequest& request, int index, UnreadTiles& unread) {
@@ -104,7 +107,7 @@ void run_list(const CommandLine& line) {
     if (line.json) {
         print_json_tiles(request, range, unread);
     } else {
-        print(heading(line) + "  " + summary(request) + "\n\n");
+        print(heading(line, request) + "\n\n");
         print_grid(line.list, range, request.tile_count(),
                    [&](int index) { return read_tile_at(request, index, unread); });
     }
