@@ -27,10 +27,10 @@ namespace fs = std::filesystem;
 
 constexpr const char* kNumbers[] = {"INDEX", "WIDTH", "HEIGHT"};
 constexpr const char* kTexts[] = {
-    "CONTENT_ID",   "PROFILE",         "RUNLENGTH",    "PUBLISHER",       "TITLE_19",
-    "TITLE_60",     "TITLE_UNLIMITED", "TITLE_SORT",   "SUMMARY_190",     "SUMMARY_400",
-    "SUMMARY_4000", "DESC_LANGUAGE",   "ENCODING",     "TRACK_REFERENCE", "STREAM_NAME",
-    "COUNTRY",      "SYSTEM",          "RATING_VALUE", "RATING_DESC",     "ADULT_CONTENT",
+    "FILE_PATH",   "FORMAT",       "ID_QRA",        "CONTENT_ID",      "PROFILE",         "RUNLENGTH",
+    "PUBLISHER",   "TITLE_19",     "TITLE_60",      "TITLE_UNLIMITED", "TITLE_SORT",      "SUMMARY_190",
+    "SUMMARY_400", "SUMMARY_4000", "DESC_LANGUAGE", "ENCODING",        "TRACK_REFERENCE", "STREAM_NAME",
+    "COUNTRY",     "SYSTEM",       "RATING_VALUE",  "RATING_DESC",     "ADULT_CONTENT",
 };
 
 using Values = std::vector<std::pair<std::string, std::variant<std::string, int>>>;
@@ -64,7 +64,8 @@ std::optional<std::string> text_value(qra_agent_handler_h list, const char* fiel
     return text != nullptr ? text : "";
 }
 
-/// What the package under the cursor tells. Only packages have an index, and of those only ones with a content.
+/// What the package under the cursor tells. Only packages have an index, and of those only ones with a
+/// content.
 Values read_values(qra_agent_handler_h list) {
     Values values;
     int index = 0;

@@ -59,7 +59,7 @@ class PackageTest(ToolTest):
                 self.assertEqual((self.media_path() + "/" + name, "2"),
                                  (told["STREAM_NAME"], told["TRACK_REFERENCE"]))
                 self.assertEqual("", told["SUMMARY_190"])
-                self.assertEqual(23, len(told))
+                self.assertEqual((self.media_path() + "/" + name, 26), (told["FILE_PATH"], len(told)))
 
     def test_containers_of_each_form_tell_of_their_description_and_poster(self):
         for form in ("zip", "stored-zip", "tar", "cpio", "tar.gz"):

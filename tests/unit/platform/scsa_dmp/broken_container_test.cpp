@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "tests/fakes/heap_watch.h"
 #include "tests/unit/platform/scsa_dmp/counted_reads.h"
 #include "tests/unit/platform/scsa_dmp/packages_test.h"
 
@@ -108,7 +109,9 @@ TEST_F(BrokenContainer, ADirectoryWithoutEndIsNotReadToItsEnd) {
     }
     make_zip(entries);
     forget_reads();
+    const heap_watch::Count heap;
     EXPECT_EQ(list(path("c")), Names{"(failed)"});
+    EXPECT_LT(heap.bytes(), 64 * kMegabyte);
     EXPECT_TRUE(log.contains("it asks for too much")) << log.text();
     EXPECT_LT(bytes_read(), 5 * kMegabyte);
 }
@@ -154,7 +157,9 @@ TEST_F(BrokenContainer, SizesThatLieFail) {
 
 TEST_F(BrokenContainer, AFileThatUnpacksToMoreThan64MegabytesIsRefused) {
     make({{"bomb.xml", std::string(65 * kMegabyte, '\0')}, {"a.xml", "<a/>"}}, Form::kZip);
+    const heap_watch::Count heap;
     EXPECT_EQ(xml(path("c"), "bomb.xml"), "(failed)");
+    EXPECT_LT(heap.bytes(), 4 * 64 * kMegabyte);
     EXPECT_EQ(sff_xml(path("c"), "bomb.xml"), "(failed)");
     EXPECT_EQ(xml(path("c"), "a.xml"), "<a/>");
     // The same with a small size told.
@@ -172,9 +177,11 @@ TEST_F(BrokenContainer, ACompressedContainerIsNotUnpackedWithoutEnd) {
     make({{"a.xml", "<a/>"}, {"bomb.bin", std::string(140 * kMegabyte, '\0')}, {"z.xml", "<z/>"}},
          Form::kTarGz);
     EXPECT_EQ(xml(path("c"), "a.xml"), "<a/>");
+    const heap_watch::Count heap;
     EXPECT_EQ(list(path("c")), Names{"(failed)"});
     EXPECT_TRUE(log.contains("it asks for too much"));
     EXPECT_EQ(xml(path("c"), "z.xml"), "(failed)");
+    EXPECT_LT(heap.bytes(), 16 * kMegabyte);
 }
 
 TEST_F(BrokenContainer, ContainersInContainersAreFiles) {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include "tests/fakes/heap_watch.h"
 #include "tests/unit/platform/scsa_dmp/counted_reads.h"
 #include "tests/unit/platform/scsa_dmp/packages_test.h"
 
@@ -178,7 +179,9 @@ TEST_F(BrokenSff, PlacesWithoutBytesForThemAreNotCountedThrough) {
     for (int i = 0; i < 0xffff; ++i) {
         places += be16(1) + be16(1) + be16(0) + be16(0xffff);
     }
+    const heap_watch::Count heap;
     EXPECT_EQ(picture_of(with_places(1, places), "p"), "(failed)");
+    EXPECT_LT(heap.bytes(), size_t{8} << 20U);
 }
 
 TEST_F(BrokenSff, APictureOfMoreThan64MegabytesIsRefused) {
