@@ -71,27 +71,32 @@ bool CShmWindows::m_FitsInPiece(size_t nLength) {
 }
 
 const char* CShmWindows::m_Peek(uint64_t nObject, int nDescriptor, int64_t nOffset, int64_t nLength) {
-    const Piece* pPiece = m_Find(nObject, nOffset, nLength);
-    if (pPiece == nullptr)
-        pPiece = m_Load(nObject, nDescriptor, nOffset);
-    const int64_t nStart = nOffset - pPiece->nOffset;
-    return nStart + nLength <= pPiece->nLength ? pPiece->bytes + nStart : nullptr;
+    size_t nPiece = m_Find(nObject, nOffset, nLength);
+    if (nPiece == kPieces)
+        nPiece = m_Load(nObject, nDescriptor, nOffset);
+    m_Pieces[nPiece].nLastUse = ++m_nUses;
+    const int64_t nStart = nOffset - m_Pieces[nPiece].nOffset;
+    return nStart + nLength <= m_Pieces[nPiece].nLength ? m_Bytes[nPiece].data() + nStart : nullptr;
 }
 
-const CShmWindows::Piece* CShmWindows::m_Find(uint64_t nObject, int64_t nOffset, int64_t nLength) const {
-    for (const Piece& piece : m_Pieces) {
+size_t CShmWindows::m_Find(uint64_t nObject, int64_t nOffset, int64_t nLength) const {
+    for (size_t i = 0; i < kPieces; ++i) {
+        const Piece& piece = m_Pieces[i];
         if (piece.nObject == nObject && nOffset >= piece.nOffset &&
             nOffset + nLength <= piece.nOffset + piece.nLength)
-            return &piece;
+            return i;
     }
-    return nullptr;
+    return kPieces;
 }
 
-const CShmWindows::Piece* CShmWindows::m_Load(uint64_t nObject, int nDescriptor, int64_t nOffset) {
-    Piece& piece = m_Pieces[m_nNext];
-    m_nNext = (m_nNext + 1) % m_Pieces.size();
-    piece.nObject = nObject;
-    piece.nOffset = nOffset - nOffset % kPage;
-    piece.nLength = read_at(nDescriptor, piece.nOffset, piece.bytes, kPieceLength);
-    return &piece;
+size_t CShmWindows::m_Load(uint64_t nObject, int nDescriptor, int64_t nOffset) {
+    size_t nPiece = 0;
+    for (size_t i = 1; i < kPieces; ++i) {
+        if (m_Pieces[i].nLastUse < m_Pieces[nPiece].nLastUse)
+            nPiece = i;
+    }
+    const int64_t nStart = nOffset - nOffset % kPage;
+    m_Pieces[nPiece] = {nObject, nStart, read_at(nDescriptor, nStart, m_Bytes[nPiece].data(), kPieceLength),
+                        m_nUses};
+    return nPiece;
 }

@@ -39,19 +39,25 @@ private:
         uint64_t nObject;  ///< 0: none
         int64_t nOffset;
         int64_t nLength;
-        char bytes[kPieceLength];
+        uint64_t nLastUse;  ///< counted in reads of this thread
     };
 
     static bool m_FitsInPiece(size_t nLength);
     /// The bytes, good until the next call; null if the object does not have them all. Only for what fits.
     const char* m_Peek(uint64_t nObject, int nDescriptor, int64_t nOffset, int64_t nLength);
-    const Piece* m_Find(uint64_t nObject, int64_t nOffset, int64_t nLength) const;
-    const Piece* m_Load(uint64_t nObject, int nDescriptor, int64_t nOffset);
+    /// The number of the piece with these bytes; kPieces if there is none.
+    size_t m_Find(uint64_t nObject, int64_t nOffset, int64_t nLength) const;
+    /// Gives up the piece that was not used for the longest time.
+    size_t m_Load(uint64_t nObject, int nDescriptor, int64_t nOffset);
 
     /// An item takes its place in the list, its offset in the block, and its text; one is to spare for the
     /// next block.
-    std::array<Piece, 4> m_Pieces;
-    size_t m_nNext;  ///< the piece that is given up next
+    static constexpr size_t kPieces = 4;
+
+    /// Apart from the bytes: the search looks at all of them, which then lie in two cache lines.
+    std::array<Piece, kPieces> m_Pieces;
+    std::array<std::array<char, kPieceLength>, kPieces> m_Bytes;
+    uint64_t m_nUses;
 };
 
 #endif

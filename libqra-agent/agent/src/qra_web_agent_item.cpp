@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <cstring>
 #include <type_traits>
 
@@ -18,9 +19,10 @@ namespace {
 constexpr char kFocusIdField[] = "QRA_MEDIA_FOCUS_ID";
 
 qra_error_code_e CopyText(const std::string& strText, char** ppOut) {
-    char* pText = strdup(strText.c_str());
+    auto* pText = static_cast<char*>(malloc(strText.size() + 1));
     if (pText == nullptr)
         return QRA_ERROR_OUT_OF_MEMORY;
+    memcpy(pText, strText.c_str(), strText.size() + 1);
     *ppOut = pText;
     return QRA_ERROR_NONE;
 }

@@ -50,6 +50,27 @@ TEST(CShmObject, RefusesEveryRangeThatLeavesTheMappedBytes) {
     EXPECT_EQ(log.count("do not lie in the object[" + file.name() + "]."), 6);
 }
 
+TEST(CShmObject, ReadsTheTablesOfAWalkOnceHoweverLongItsTextsAre) {
+    constexpr size_t kSize = 1 << 20;
+    const ShmFile tables("before");
+    const ShmFile texts(std::string(kSize, 't'));
+    CShmObject table(tables.name());
+    CShmObject block(texts.name());
+    char header[1];
+    ASSERT_TRUE(table.Open(header, sizeof(header)) && table.Map(6));
+    ASSERT_TRUE(block.Open(header, sizeof(header)) && block.Map(kSize));
+    std::string text;
+    ASSERT_TRUE(table.ReadText(0, 6, text));
+
+    tables.write("after!");
+
+    for (size_t at = 0; at < kSize; at += 500) {
+        ASSERT_TRUE(block.Read(static_cast<int64_t>(at), header, sizeof(header)));
+        ASSERT_TRUE(table.ReadText(0, 6, text));
+        ASSERT_EQ(text, "before") << "read again at " << at;
+    }
+}
+
 TEST(CShmObject, HoldsCountsEntriesWithoutOverflow) {
     const ShmFile file("0123456789abcdef");
     CShmObject object(file.name());
