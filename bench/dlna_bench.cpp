@@ -9,6 +9,8 @@
 #include <libsoup/soup.h>
 #include <libxml/xmlreader.h>
 #include <malloc.h>
+#include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -37,7 +39,7 @@ namespace {
 constexpr int kItems = 10'000;
 constexpr int kPage = 200;
 constexpr int kInFlight = 5;
-constexpr int kRuns = 7;
+constexpr int kRuns = 5;
 constexpr char kService[] = "urn:schemas-upnp-org:service:ContentDirectory:1";
 
 [[noreturn]] void give_up(const char* what) {
@@ -295,6 +297,7 @@ public:
             << "\nlog_dir=" << directory_.path("log") << "\ninotify=no\nnotify_interval=5\n";
         pid_ = fork();
         if (pid_ == 0) {
+            prctl(PR_SET_PDEATHSIG, SIGTERM);
             execlp("minidlnad", "minidlnad", "-S", "-f", directory_.path("conf").c_str(), "-P",
                    directory_.path("pid").c_str(), nullptr);
             _exit(127);
@@ -332,17 +335,18 @@ int main(int argc, char** argv) {
     if (!have_own_network()) {
         give_up("start it with tests/dlna/own-network");
     }
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
     Client client;
     {
         MediaServer server;
         server.generate("folder", "music", kItems);
         nbl_provider_t provider = client.first_server();
         const std::string url = server.url("/ContentDirectory/control");
+        compare_records("records, test server", fetch_documents(url, "folder"));
         compare_folder("test server", provider, url, "folder");
         server.set("Browse.delay", "20");
         compare_folder("test server, 20 ms delay", provider, url, "folder");
         server.clear();
-        compare_records("records, test server", fetch_documents(url, "folder"));
         server.tell({"goodbye"});
         client.wait_until_gone();
     }

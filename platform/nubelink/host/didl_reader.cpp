@@ -17,6 +17,11 @@ constexpr std::string_view kUpnp = "urn:schemas-upnp-org:metadata-1-0/upnp/";
 constexpr int kObjectDepth = 2;
 constexpr int kPropertyDepth = 3;
 
+// What an object may have of properties, so that there is room for those that the reader adds at its end, and
+// looking for one among them costs little.
+constexpr int kMostProperties = 200;
+constexpr size_t kMostBytes = ItemBuilder::kLargestRecord - 3 * ItemBuilder::kLargestValue;
+
 /// Writes a name as properties have it: "dc:title".
 void set_name(std::string& to, const XmlName& name) {
     const bool is_dublin_core = name.space == kDublinCore;
@@ -103,6 +108,7 @@ public:
 private:
     void open_object(const XmlName& name, const XmlAttributes& attributes);
     void open_property(const XmlName& name, const XmlAttributes& attributes);
+    void add(std::string_view name, std::string_view value);
     void close_property();
     void close_resource();
     void close_object();
@@ -114,6 +120,7 @@ private:
     int depth_ = 0;
     bool in_object_ = false;
     bool is_container_ = false;
+    int properties_ = 0;
     // The property, while it is open.
     std::string name_;
     std::string text_;
@@ -130,13 +137,21 @@ void DidlHandler::open_object(const XmlName& name, const XmlAttributes& attribut
     is_container_ = name.local == "container";
     in_object_ = is_container_ || name.local == "item";
     builder_.clear();
+    properties_ = 0;
     best_.clear();
     best_rank_ = 0;
     thumbnail_.clear();
     thumbnail_is_sure_ = false;
     for (int i = 0; in_object_ && i < attributes.count(); ++i) {
         set_name(name_, attributes.name(i));
-        builder_.add('@' + name_, attributes.value(i));
+        add('@' + name_, attributes.value(i));
+    }
+}
+
+void DidlHandler::add(std::string_view name, std::string_view value) {
+    if (properties_ < kMostProperties && builder_.size() < kMostBytes) {
+        ++properties_;
+        builder_.add(name, value);
     }
 }
 
@@ -165,7 +180,7 @@ void DidlHandler::close_property() {
     if (name_ == "upnp:albumArtURI") {
         offer_thumbnail(value, is_small_art_);
     }
-    builder_.add(name_, value);
+    add(name_, value);
 }
 
 void DidlHandler::close_resource() {
@@ -174,10 +189,10 @@ void DidlHandler::close_resource() {
         offer_thumbnail(resource_.address, true);
     }
     if (is_subtitle(info.mime_type)) {
-        builder_.add(property::kSubtitle, resource_.address);
+        add(property::kSubtitle, resource_.address);
         return;
     }
-    builder_.add(property::kSubtitle, resource_.find("subtitleFileUri"));
+    add(property::kSubtitle, resource_.find("subtitleFileUri"));
     const uint64_t rank = rank_of(resource_);
     if (best_.attributes.empty() || rank > best_rank_) {
         std::swap(best_, resource_);
@@ -196,7 +211,7 @@ void DidlHandler::close_object() {
     in_object_ = false;
     builder_.add("res", best_.address);
     for (const auto& [name, value] : best_.attributes) {
-        builder_.add("res@" + name, value);
+        add("res@" + name, value);
     }
     if (thumbnail_ != builder_.text("upnp:albumArtURI")) {
         builder_.add(property::kThumbnail, thumbnail_);

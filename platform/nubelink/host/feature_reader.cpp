@@ -21,7 +21,7 @@ public:
     void open(const XmlName& name, const XmlAttributes& attributes) override {
         ++depth_;
         in_ids_ = false;
-        if (name.local == "Feature" && feature_depth_ == 0) {
+        if (name.local == "Feature" && feature_depth_ == 0 && features_.size() < kMostFeatures) {
             feature_depth_ = depth_;
             features_.push_back(std::make_unique<nbl_feature_s>());
             features_.back()->name = cut(attributes.find("name"));
@@ -79,9 +79,6 @@ std::vector<FeaturePtr> read_features(std::string_view document) {
     std::vector<FeaturePtr> features;
     FeatureHandler handler(features);
     read_xml(trimmed(document), handler);
-    if (features.size() > kMostFeatures) {
-        features.resize(kMostFeatures);
-    }
     return features;
 }
 

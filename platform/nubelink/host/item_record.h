@@ -91,6 +91,7 @@ public:
     void add_all(const nbl_item_s& item);
     bool has(std::string_view name) const;
     std::string_view text(std::string_view name) const;
+    size_t size() const { return bytes_.size(); }
     void clear() { bytes_.clear(); }
 
     /// The record; the builder is empty then.

@@ -18,7 +18,7 @@ Session::Session(RequestTable& requests, DeviceTable& devices, std::function<voi
     : requests_(requests),
       devices_(devices),
       views_(std::make_unique<OrderedViews>(*this)),
-      discovery_(std::make_unique<Discovery>(http_, devices, std::move(report))) {}
+      discovery_(std::make_unique<Discovery>(descriptions_http_, devices, std::move(report))) {}
 
 Session::~Session() = default;
 

@@ -56,6 +56,7 @@ private:
     RequestTable& requests_;
     DeviceTable& devices_;
     const HttpClient http_;
+    const HttpClient descriptions_http_;  ///< so that nobody's announcements hold up requests
     const std::unique_ptr<OrderedViews> views_;
     const std::unique_ptr<Discovery> discovery_;
 };

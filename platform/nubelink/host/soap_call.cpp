@@ -12,6 +12,7 @@ namespace {
 /// the response, with the error number somewhere inside.
 constexpr int kResponseDepth = 3;
 constexpr int kArgumentDepth = 4;
+constexpr size_t kMostArguments = 32;
 
 class AnswerReader : public XmlHandler {
 public:
@@ -23,7 +24,8 @@ public:
             has_response_ = true;
             is_fault_ = name.local == "Fault";
         }
-        if (depth_ == kArgumentDepth && !is_fault_) {
+        in_argument_ = depth_ == kArgumentDepth && !is_fault_ && arguments_.size() < kMostArguments;
+        if (in_argument_) {
             arguments_.emplace_back(name.local, std::string());
         }
         in_error_number_ = is_fault_ && name.local == "errorCode";
@@ -32,13 +34,14 @@ public:
     void text(std::string_view piece) override {
         if (in_error_number_) {
             error_number_ += piece;
-        } else if (depth_ == kArgumentDepth && !is_fault_ && !arguments_.empty()) {
+        } else if (in_argument_) {
             arguments_.back().second += piece;
         }
     }
 
     void close() override {
         --depth_;
+        in_argument_ = false;
         in_error_number_ = false;
     }
 
@@ -55,6 +58,7 @@ private:
     int depth_ = 0;
     bool has_response_ = false;
     bool is_fault_ = false;
+    bool in_argument_ = false;
     bool in_error_number_ = false;
 };
 

@@ -13,8 +13,8 @@ namespace nbl {
 
 /// Where a server takes the actions of one of its services.
 struct ServiceAddress {
-    std::string type;         ///< "urn:schemas-upnp-org:service:ContentDirectory:1"
-    std::string control_url;  ///< absolute, http or https
+    std::string type;             ///< "urn:schemas-upnp-org:service:ContentDirectory:1"
+    std::string control_url;      ///< absolute, http or https
     std::string description_url;  ///< of the actions that it announces; empty without one
 };
 

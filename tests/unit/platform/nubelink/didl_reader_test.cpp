@@ -212,4 +212,14 @@ TEST(DidlReader, BoundsWhatAServerCanMakeItHold) {
     EXPECT_LE(items[0]->bytes().size(), ItemBuilder::kLargestRecord);
 }
 
+TEST(DidlReader, NamesAnObjectThatDrownsInOtherProperties) {
+    std::string object = "<item id=\"7\">";
+    for (int i = 0; i < 20'000; ++i) {
+        object += "<a" + std::to_string(i) + ">x</a" + std::to_string(i) + ">";
+    }
+    const auto items = read_objects(object + "<dc:title>late</dc:title><res>http://a/b</res></item>");
+    EXPECT_THAT(titles(items), ElementsAre("7"));
+    EXPECT_EQ(items[0]->text("res"), "http://a/b");
+}
+
 }  // namespace

@@ -76,6 +76,14 @@ TEST(SoapAnswer, IsBadWithoutAResponse) {
     }
 }
 
+TEST(SoapAnswer, HoldsAFewArgumentsOnly) {
+    std::string arguments;
+    for (int i = 0; i < 10'000; ++i) {
+        arguments += "<a>x</a>";
+    }
+    EXPECT_LE(answer_to(enveloped("<r>" + arguments + "</r>")).arguments.size(), 100U);
+}
+
 TEST(SoapAnswer, PassesTheCallsErrorOn) {
     HttpAnswer http;
     http.error = NBL_ERROR_TIMEOUT;
