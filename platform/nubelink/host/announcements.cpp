@@ -20,6 +20,12 @@ std::string host_of(const std::string& location) {
     return host != nullptr ? host : std::string();
 }
 
+/// Host and port, as the location writes them.
+std::string_view authority_of(std::string_view location) {
+    const size_t begin = std::min(location.find("//") + 2, location.size());
+    return location.substr(begin, location.find('/', begin) - begin);
+}
+
 }  // namespace
 
 Announcements::Announcements(const HttpClient& http, DeviceTable& table, Report report)
@@ -30,10 +36,10 @@ Announcements::~Announcements() = default;
 void Announcements::on_alive(const std::string& device_id, const std::string& location, const void* network) {
     auto found = known_.find(device_id);
     if (found == known_.end()) {
-        const bool was_full = std::exchange(full_, known_.size() >= kMostDevices);
+        const bool was_full = std::exchange(full_, !has_room_for(location));
         if (full_) {
             if (!was_full) {
-                NBL_LOG_WARNING("more than %zu media servers: no more are looked at", kMostDevices);
+                NBL_LOG_WARNING("too many media servers: %s is not looked at", printable(location).c_str());
             }
             return;
         }
@@ -48,6 +54,14 @@ void Announcements::on_alive(const std::string& device_id, const std::string& lo
         known.failures = 0;
         update(device_id);
     }
+}
+
+bool Announcements::has_room_for(std::string_view location) const {
+    const auto unread = std::count_if(known_.begin(), known_.end(), [&](const auto& entry) {
+        const Known& known = *entry.second;
+        return known.used.empty() && authority_of(known.asked) == authority_of(location);
+    });
+    return known_.size() < kMostDevices && static_cast<size_t>(unread) < kMostUnread;
 }
 
 void Announcements::on_gone(const std::string& device_id, const void* network) {

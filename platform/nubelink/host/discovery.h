@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/nubelink/host/device_table.h"
@@ -26,13 +27,15 @@ namespace nbl {
  * A device is known by its id. Announced again, from another network or with another address, it stays the
  * same device with other addresses; it is gone when it is gone from all networks. A description that cannot
  * be read is asked for again a few times, and at the next announcement. Announcements come from strangers: of
- * more than kMostDevices at once the rest is not looked at.
+ * more than kMostDevices at once, or kMostUnread of one host and port whose descriptions have not been read,
+ * the rest is not looked at.
  *
  * Lives on the worker's thread.
  */
 class Announcements {
 public:
     static constexpr size_t kMostDevices = 256;
+    static constexpr size_t kMostUnread = 16;
     using Report = std::function<void(int event, nbl_device_t device)>;
 
     /// `report` is told each nbl_device_event_e, after the table has it.
@@ -63,6 +66,7 @@ private:
     };
     using KnownMap = std::map<std::string, std::unique_ptr<Known>>;
 
+    bool has_room_for(std::string_view location) const;
     void ask(const std::string& device_id, const std::string& location);
     void on_description(const std::string& device_id, HttpAnswer answer);
     void on_failure(const std::string& device_id);

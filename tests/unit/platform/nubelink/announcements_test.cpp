@@ -163,6 +163,16 @@ TEST_F(AnnouncementsTest, OfAFloodOfDevicesTheRestIsNotLookedAt) {
     EXPECT_THAT(there(), IsEmpty());
 }
 
+TEST_F(AnnouncementsTest, AFloodFromOneHostHidesNobodyElse) {
+    WebServer flooding;
+    for (size_t i = 0; i < 10 * Announcements::kMostDevices; ++i) {
+        announcements.on_alive("uuid:flood-" + std::to_string(i), flooding.url("/x"), &network);
+    }
+    come("uuid:1", "/d", &network);
+    ASSERT_TRUE(wait_for_events(1));
+    EXPECT_THAT(there(), ElementsAre("One"));
+}
+
 TEST_F(AnnouncementsTest, DevicesWithoutDescriptionsMakeRoomForOthers) {
     server.on("/x", [](SoupServerMessage* message) { reply(message, 404, ""); });
     for (size_t i = 0; i < Announcements::kMostDevices; ++i) {
