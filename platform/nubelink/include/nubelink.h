@@ -18,7 +18,7 @@
  * end of the service too. A server that says nothing is answered for within 15 seconds. The answer of a
  * cancelled request comes with NBL_ERROR_CANCELLED, after the call that cancels it has returned or meanwhile:
  * `user_data` has to live until the answer. Requests may be answered in another order than they were made; at
- * least eight to one server are under way at a time, more wait for their turn without their deadline running.
+ * least five to one server are under way at a time, more wait for their turn while their deadline runs.
  * A null callback is refused.
  *
  * **Memory.** Handles and texts that belong to the service are said so, with how long they live. Texts that
@@ -225,9 +225,10 @@ int nbl_devicefinder_get_device(nbl_devicefinder_t finder, int device_class, con
 
 /** Gives the device's id, unique in the network and for all time. The text lives as long as the device. */
 int nbl_device_get_id(nbl_device_t device, const char** id);
-/** Gives the numeric address by which the device is reached. The text lives as long as the device. */
+/** Gives the address by which the device is reached, as it was announced: a number. The text lives as long as
+ * the device. */
 int nbl_device_get_ip_address(nbl_device_t device, const char** address);
-/** Gives all numeric addresses under which the device was announced, the one that is used first. */
+/** Gives all addresses under which the device was announced, the one that is used first. */
 int nbl_device_get_ip_address_list(nbl_device_t device, const char* const** addresses, int* count);
 /** Gives the name for people. May be empty. The text lives as long as the device. */
 int nbl_device_get_name(nbl_device_t device, const char** name);
