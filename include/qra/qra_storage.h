@@ -1,23 +1,37 @@
 /**
  * @file qra_storage.h
- * The devices that can be browsed: USB drives, cameras and optical drives, as lists and as events.
+ * The devices that can be browsed: USB drives, cameras, optical drives and media servers of the home network,
+ * as lists and as events.
  *
- * Lists and events come from the content engine. The functions that ask it (qra_get_usb_list(),
- * qra_get_bd_list() and the functions that set and unset a callback) start it where it does not run; where a
- * system bus is there but no engine, that takes up to 40 seconds before it fails. Without a system bus they
- * fail at once.
+ * Lists and events of drives and cameras come from the content engine. The functions that ask it
+ * (qra_get_usb_list(), qra_get_bd_list() and the functions that set and unset a callback) start it where it
+ * does not run; where a system bus is there but no engine, that takes up to 40 seconds before it fails. Without
+ * a system bus they fail at once. Media servers come from the home network service, which needs neither; see
+ * @ref qra_storage_dlna.
  *
  * @section qra_storage_threads Threads and the main loop
  *
- * All functions may be called from any thread. One lock orders them: a list that the engine is slow to give
- * holds up the other functions and the events. Events come on the thread that runs the GLib main context
- * which was the thread's default when the callback was set; the client has to run that loop, else no event
- * comes.
+ * All functions may be called from any thread. One lock orders those that ask the engine: a list that it is
+ * slow to give holds up the other functions and the events. Events come on the thread that runs the GLib main
+ * context which was the thread's default when the callback was set; the client has to run that loop, else no
+ * event comes. The functions and events of media servers do not take that lock and need no loop.
  *
  * A storage callback runs with that lock held. A client must not call qra_get_usb_list(), qra_get_bd_list()
  * or a function that sets or unsets a callback from inside a storage callback, and must not wait there for a
  * thread that does: that is a deadlock. Accessors, clones and destroy functions may be called there. When an
  * unset function has returned, its callback neither runs nor comes any more.
+ *
+ * @section qra_storage_dlna Media servers
+ *
+ * 1. qra_Init_dlna_service() connects the home network service. Its callback tells when it is there.
+ * 2. Then qra_set_dlna_callback() has servers reported as they come and go, and qra_get_dlna_list() gives those
+ *    that are there. A server's id is the path of a list request with the source "SOURCE_DLNA".
+ * 3. qra_finalize_dlna_service() ends the connection. Lists that are open then fail when they are read on.
+ *
+ * The callbacks come on a thread of the service, one after the other; one that takes long holds up all that
+ * comes from the network. From inside one of them, qra_get_dlna_list(), accessors, clones and destroy functions
+ * may be called. The functions that set or unset a callback, or connect or disconnect the service, must not: that
+ * is a deadlock. When qra_unset_dlna_callback() has returned, the callback neither runs nor comes any more.
  *
  * @section qra_storage_memory Who frees what
  *
@@ -82,10 +96,26 @@ typedef struct _qra_storage_list_s* qra_storage_list_h; /**< a list of records *
  * Tells that a device came or went.
  *
  * @param pUserData what the client gave with the callback
- * @param nEvent    QRA_STORAGE_EVENT_ATTACHED or QRA_STORAGE_EVENT_DETACHED; the engine's number as it is
+ * @param nEvent    QRA_STORAGE_EVENT_ATTACHED or QRA_STORAGE_EVENT_DETACHED; of the engine's devices, its number
+ *                  as it is
  * @param pStorage  the device; the library's, valid during the call only
  */
 typedef void (*qra_storage_cb)(void* pUserData, int nEvent, qra_storage_h pStorage);
+
+/** How the connection to the home network service stands. */
+typedef enum {
+    QRA_NBL_SERVICECONNECTOR_DISABLED = 0, /**< it has ended */
+    QRA_NBL_SERVICECONNECTOR_ENABLED = 1,  /**< it is there: media servers can be listed and opened */
+    QRA_NBL_SERVICECONNECTOR_FAILED = 2    /**< this host has no home network service */
+} qra_nbl_serviceconnector_state_e;
+
+/**
+ * Tells that the connection to the home network service came or went.
+ *
+ * @param eState     how it stands; the service's number as it is
+ * @param pUserData  what the client gave with the callback
+ */
+typedef void (*qra_dlna_connect_cb)(qra_nbl_serviceconnector_state_e eState, void* pUserData);
 
 /**
  * @name Lists
@@ -113,6 +143,18 @@ QRA_API qra_error_code_e qra_get_usb_list(qra_storage_device_type eType, qra_sto
  * @return as with qra_get_usb_list()
  */
 QRA_API qra_error_code_e qra_get_bd_list(qra_storage_list_h* ppList);
+
+/**
+ * Searches the home network anew, and gives the media servers that are there now. Servers that the search finds
+ * come by the event callback, within about a second; just after the service was connected this waits up to 1.5
+ * seconds for them. Their records have an id, a name, an address and whether they are of the television's own
+ * maker.
+ *
+ * @param ppList  as with qra_get_usb_list()
+ * @retval QRA_ERROR_NONE     the list is there
+ * @retval QRA_ERROR_INTERNAL the home network service is not connected, or failed
+ */
+QRA_API qra_error_code_e qra_get_dlna_list(qra_storage_list_h* ppList);
 
 /**
  * @param storagelist  a list
@@ -193,6 +235,48 @@ QRA_API qra_error_code_e qra_set_bd_callback(qra_storage_cb cb, void* pUserData)
  * @return as with qra_unset_usb_callback()
  */
 QRA_API qra_error_code_e qra_unset_bd_callback(void);
+
+/**
+ * Has a callback told of media servers that come and go, from now on. The servers that are there already are
+ * those of qra_get_dlna_list(). To be called when the service is connected: see @ref qra_storage_dlna. Waits for
+ * a callback that is running.
+ *
+ * @param cb         the callback; it comes on a thread of the home network service
+ * @param pUserData  handed to `cb` as it is; null allowed
+ * @retval QRA_ERROR_NONE          set
+ * @retval QRA_ERROR_INVALID_PARAM `cb` is null; the callback that was set stays
+ * @retval QRA_ERROR_INTERNAL      the service is not connected, or failed; no callback is set then
+ */
+QRA_API qra_error_code_e qra_set_dlna_callback(qra_storage_cb cb, void* pUserData);
+
+/**
+ * Drops the callback for media servers. Waits for a callback that is running.
+ *
+ * @return QRA_ERROR_NONE
+ */
+QRA_API qra_error_code_e qra_unset_dlna_callback(void);
+
+/**
+ * Connects the home network service, which searches the network for media servers. Returns at once.
+ *
+ * @param cb         told how it went, on a thread of the service: once after this call, and once after
+ *                   qra_finalize_dlna_service() unless another callback is given there. Null allowed: then nobody
+ *                   is told, and a callback of qra_set_dlna_callback() may be set before the service is connected
+ * @param pUserData  handed to `cb` as it is; null allowed
+ * @retval QRA_ERROR_NONE     `cb` will be told, or the service is connected already and it will not
+ * @retval QRA_ERROR_INTERNAL the service cannot be connected; `cb` is not told
+ */
+QRA_API qra_error_code_e qra_Init_dlna_service(qra_dlna_connect_cb cb, void* pUserData);
+
+/**
+ * Ends the connection to the home network service, and drops the callback for media servers.
+ *
+ * @param cb         told when the connection has ended, on a thread of the service; null allowed
+ * @param pUserData  handed to `cb` as it is; null allowed
+ * @retval QRA_ERROR_NONE     the connection is ending
+ * @retval QRA_ERROR_INTERNAL there was none
+ */
+QRA_API qra_error_code_e qra_finalize_dlna_service(qra_dlna_connect_cb cb, void* pUserData);
 
 /** @} */
 

@@ -14,6 +14,7 @@
 #include "libqra-agent/agent/util/qra_web_agent_json.h"
 #include "libqra-agent/playlist/qra_playlist_location.h"
 #include "libqra-agent/playlist/qra_playlist_manager.h"
+#include "libqra-agent/source/nubelink/qra_dlna_mgr.h"
 #include "libqra-agent/source/qra_source_base.h"
 
 namespace {
@@ -201,8 +202,14 @@ qra_error_code_e CQRALocalAgent::m_OpenSource(CQRAAgentHandle* pHandle, qra_gene
     IQRASourceBase* pSource = pHandle->GetSource();
     if (pSource->IsOpen())
         return QRA_ERROR_NONE;
-    const bool bOpen =
-        pHandle->GetSourceName() == kSourceDLNA ? pSource->Open(pParam->szPath) : pSource->Open();
+    bool bOpen = false;
+    if (pHandle->GetSourceName() == kSourceDLNA) {
+        if (pParam->pServiceProvider != nullptr)
+            CQRADlnaMgr::GetInstance()->SetServiceProvide(pParam->pServiceProvider);
+        bOpen = pSource->Open(pParam->szPath);
+    } else {
+        bOpen = pSource->Open();
+    }
     return bOpen ? QRA_ERROR_NONE : QRA_ERROR_INTERNAL;
 }
 

@@ -7,6 +7,7 @@
 #include "libqra-agent/agent/src/qra_web_agent.h"
 #include "libqra-agent/playlist/qra_playlist_source.h"
 #include "libqra-agent/source/local-source/qra_msc_source.h"
+#include "libqra-agent/source/nubelink/qra_dlna_source.h"
 #include "libqra-agent/source/ptp/qra_ptp_source.h"
 
 namespace {
@@ -24,7 +25,7 @@ struct SourceMaker {
 const SourceMaker kSourceMakers[] = {
     {kSourceMSC, &Make<CQRAMSCSource>},
     {kSourcePTP, &Make<CQRAPTPSource>},
-    {kSourceDLNA, nullptr},
+    {kSourceDLNA, &Make<CQRADLNASource>},
     {kSourcePlaylist, &Make<CQRAPlaylistSource>},
 };
 

@@ -11,6 +11,7 @@
 #include "common/util/qra_mutex.h"
 #include "libqra-agent/agent/src/qra_dbus_client.h"
 #include "libqra-agent/agent/src/qra_storage_json.h"
+#include "libqra-agent/source/nubelink/qra_dlna_mgr.h"
 
 namespace {
 
@@ -26,6 +27,11 @@ struct _stStorageUserData {
 };
 _stStorageUserData local_storage_userdata_usb QRA_GUARDED_BY(m_mutex);
 _stStorageUserData local_storage_userdata_bd QRA_GUARDED_BY(m_mutex);
+_stStorageUserData local_storage_userdata_dlna QRA_GUARDED_BY(m_mutex);
+
+/// Orders the functions that set and unset the DLNA callback, which call the manager in the middle. Comes
+/// before the manager's mutex, while m_mutex is not held when the manager is called.
+CQRAMutex& m_DlnaCallbackMutex = *new CQRAMutex;
 
 /// How the engine calls the events of one kind of device.
 struct StorageEvents {
@@ -69,6 +75,22 @@ CList NewList(size_t nCount) {
     return pList;
 }
 
+/// A list of the devices that a JSON text names.
+qra_error_code_e MakeList(const std::string& strJson, StorageFields eFields, qra_storage_list_h* storages) {
+    std::vector<std::unique_ptr<_qra_storage_s>> vStorages;
+    if (!ReadStorages(strJson, eFields, vStorages)) {
+        return QRA_ERROR_INTERNAL;
+    }
+    CList pList = NewList(vStorages.size());
+    if (!pList) {
+        return QRA_ERROR_OUT_OF_MEMORY;
+    }
+    std::transform(vStorages.begin(), vStorages.end(), pList->storages,
+                   [](std::unique_ptr<_qra_storage_s>& pStorage) { return pStorage.release(); });
+    *storages = pList.release();
+    return QRA_ERROR_NONE;
+}
+
 qra_error_code_e GetList(const char* pMethod, qra_storage_device_type eType, StorageFields eFields,
                          qra_storage_list_h* storages) QRA_REQUIRES(m_mutex) {
     QRA_ASSERT(storages != NULL);
@@ -83,18 +105,7 @@ qra_error_code_e GetList(const char* pMethod, qra_storage_device_type eType, Sto
         QRA_LOG_WARNING(QRA_TAG_STORAGE, "GetStorages() failed.");
         return eCode;
     }
-    std::vector<std::unique_ptr<_qra_storage_s>> vStorages;
-    if (!ReadStorages(strJson, eFields, vStorages)) {
-        return QRA_ERROR_INTERNAL;
-    }
-    CList pList = NewList(vStorages.size());
-    if (!pList) {
-        return QRA_ERROR_OUT_OF_MEMORY;
-    }
-    std::transform(vStorages.begin(), vStorages.end(), pList->storages,
-                   [](std::unique_ptr<_qra_storage_s>& pStorage) { return pStorage.release(); });
-    *storages = pList.release();
-    return QRA_ERROR_NONE;
+    return MakeList(strJson, eFields, storages);
 }
 
 void get_storage_callback(const char* pSignal, void* pUserData, char* pJson) {
@@ -111,6 +122,46 @@ void get_storage_callback(const char* pSignal, void* pUserData, char* pJson) {
     }
     QRA_LOG_INFO(QRA_TAG_STORAGE, "Calling userdata->app_cb  in get_storage_callback...");
     userdata->app_cb(userdata->pUserData, nEvent, &stStorage);
+}
+
+/// The client's pair, as it is at this moment.
+_stStorageUserData DlnaUserData() QRA_EXCLUDES(m_mutex) {
+    const CQRALockGuard<CQRAMutex> lock(m_mutex);
+    return local_storage_userdata_dlna;
+}
+
+/// What a client's callback is told of an action of the manager; 0 for one that it is not told of.
+int DlnaEventOf(QRADeviceActionType eAction) {
+    switch (eAction) {
+        case QRA_DEVICE_ACTION_ADDED:
+            return QRA_STORAGE_EVENT_ATTACHED;
+        case QRA_DEVICE_ACTION_REMOVED:
+            return QRA_STORAGE_EVENT_DETACHED;
+        default:
+            return 0;
+    }
+}
+
+/// Comes on the service's thread. The client is called without this file's mutex.
+void get_dlna_list_callback(QRADeviceActionType eAction, const char* pJson, void*) {
+    const _stStorageUserData stUserData = DlnaUserData();
+    const _stStorageUserData* const userdata = &stUserData;
+    QRA_ASSERT(userdata->app_cb != NULL);
+    _qra_storage_s stStorage{};
+    const bool bServer = ReadServer(pJson, stStorage);
+    QRA_LOG_INFO(QRA_TAG_STORAGE, "Start Calling Get_dlna_list_callback...");
+    const int nEvent = DlnaEventOf(eAction);
+    if (nEvent == 0) {
+        QRA_LOG_INFO(QRA_TAG_STORAGE, "Ignore");
+    } else if (bServer) {
+        userdata->app_cb(userdata->pUserData, nEvent, &stStorage);
+    }
+    QRA_LOG_INFO(QRA_TAG_STORAGE, "End Calling Get_dlna_list_callback...");
+}
+
+void KeepDlnaUserData(const _stStorageUserData& userdata) QRA_EXCLUDES(m_mutex) {
+    const CQRALockGuard<CQRAMutex> lock(m_mutex);
+    local_storage_userdata_dlna = userdata;
 }
 
 void DropCallback(const StorageEvents& events, _stStorageUserData& userdata) QRA_REQUIRES(m_mutex) {
@@ -204,6 +255,57 @@ qra_error_code_e qra_set_bd_callback(qra_storage_cb cb, void* pUserData) {
 qra_error_code_e qra_unset_bd_callback() {
     const CQRALockGuard<CQRAMutex> lock(m_mutex);
     return UnsetCallback(BD_EVENTS, local_storage_userdata_bd);
+}
+
+qra_error_code_e qra_get_dlna_list(qra_storage_list_h* ppList) {
+    QRA_LOG_INFO(QRA_TAG_STORAGE, "Calling qra_get_dlna_list...");
+    qra_storage_list_h* const storages = ppList;
+    QRA_ASSERT(storages != NULL);
+    CQRADlnaMgr* const pMgr = CQRADlnaMgr::GetInstance();
+    if (!pMgr->GetDlnaListSync()) {
+        QRA_LOG_WARNING(QRA_TAG_STORAGE, "GetDlnaListSync failed...");
+        return QRA_ERROR_INTERNAL;
+    }
+    return MakeList(pMgr->GetAllDlnaListContent(), StorageFields::SERVER, storages);
+}
+
+qra_error_code_e qra_set_dlna_callback(qra_storage_cb cb, void* pUserData) {
+    QRA_LOG_INFO(QRA_TAG_STORAGE, "Calling qra_set_dlna_callback...");
+    if (cb == nullptr) {
+        QRA_LOG_WARNING(QRA_TAG_STORAGE, "cb == NULL.");
+        return QRA_ERROR_INVALID_PARAM;
+    }
+    const CQRALockGuard<CQRAMutex> setting(m_DlnaCallbackMutex);
+    CQRADlnaMgr* const pMgr = CQRADlnaMgr::GetInstance();
+    pMgr->UnSetDLNAEventCallback();
+    KeepDlnaUserData({cb, pUserData});
+    if (!pMgr->SetDLNAEventCallback(get_dlna_list_callback, nullptr)) {
+        // A client that was told of a failure does not keep what its callback uses.
+        pMgr->UnSetDLNAEventCallback();
+        KeepDlnaUserData({});
+        return QRA_ERROR_INTERNAL;
+    }
+    return QRA_ERROR_NONE;
+}
+
+qra_error_code_e qra_unset_dlna_callback() {
+    QRA_LOG_INFO(QRA_TAG_STORAGE, "Calling qra_unset_dlna_callback...");
+    const CQRALockGuard<CQRAMutex> setting(m_DlnaCallbackMutex);
+    CQRADlnaMgr::GetInstance()->UnSetDLNAEventCallback();
+    KeepDlnaUserData({});
+    return QRA_ERROR_NONE;
+}
+
+qra_error_code_e qra_Init_dlna_service(qra_dlna_connect_cb cb, void* pUserData) {
+    CQRADlnaMgr* const pMgr = CQRADlnaMgr::GetInstance();
+    pMgr->SetDLNAConnectCallback(cb, pUserData);
+    return pMgr->ConnectService() ? QRA_ERROR_NONE : QRA_ERROR_INTERNAL;
+}
+
+qra_error_code_e qra_finalize_dlna_service(qra_dlna_connect_cb cb, void* pUserData) {
+    CQRADlnaMgr* const pMgr = CQRADlnaMgr::GetInstance();
+    pMgr->SetDLNAConnectCallback(cb, pUserData);
+    return pMgr->DisConnectSerivce() ? QRA_ERROR_NONE : QRA_ERROR_INTERNAL;
 }
 
 qra_error_code_e qra_storage_clone(qra_storage_h* pDest, qra_storage_h pSrc) {

@@ -30,6 +30,12 @@ constexpr TextField FURTHER_TEXT_FIELDS[] = {
     {"partitionLabel", &_qra_storage_s::partitionlabel},
 };
 
+constexpr TextField SERVER_TEXT_FIELDS[] = {
+    {"deviceID", &_qra_storage_s::id},
+    {"deviceName", &_qra_storage_s::name},
+    {"deviceIP", &_qra_storage_s::ip},
+};
+
 // Each of these raises a Json::Exception for a value of a type that it cannot turn into the field's.
 
 template <size_t Count>
@@ -65,6 +71,11 @@ DeviceClass ConvertStringToDeviceClass(const std::string& strClass) {
 void ReadStorage(const Json::Value& device, StorageFields eFields, _qra_storage_s& stStorage) {
     if (!device.isObject()) {
         Json::throwLogicError("a device that is no object");
+    }
+    if (eFields == StorageFields::SERVER) {
+        ReadTexts(device, SERVER_TEXT_FIELDS, stStorage);
+        stStorage.bKelvoraDevice = device["bKelvoraDevice"].asBool();
+        return;
     }
     ReadTexts(device, NAME_FIELDS, stStorage);
     if (eFields == StorageFields::NAMES) {
@@ -111,6 +122,9 @@ bool ReadJson(const std::string& strJson, const Read& read) {
 bool ReadStorages(const std::string& strJson, StorageFields eFields,
                   std::vector<std::unique_ptr<_qra_storage_s>>& vStorages) {
     return ReadJson(strJson, [&](const Json::Value& root) {
+        if (eFields == StorageFields::SERVER && root.isObject() && !root.isMember("devices")) {
+            return;
+        }
         const Json::Value& devices = DevicesOf(root);
         QRA_LOG_INFO(QRA_TAG_STORAGE, "size[%d]", static_cast<int>(devices.size()));
         for (const Json::Value& device : devices) {
@@ -128,5 +142,15 @@ bool ReadStorageEvent(const std::string& strJson, int& nEvent, _qra_storage_s& s
         }
         nEvent = root["event"].asInt();
         ReadStorage(devices[0U], StorageFields::ALL, stStorage);
+    });
+}
+
+bool ReadServer(const std::string& strJson, _qra_storage_s& stStorage) {
+    return ReadJson(strJson, [&](const Json::Value& root) {
+        const Json::Value& devices = DevicesOf(root);
+        if (devices.empty()) {
+            Json::throwLogicError("no media server");
+        }
+        ReadStorage(devices[0U], StorageFields::SERVER, stStorage);
     });
 }
