@@ -5,8 +5,9 @@
  *
  * Lists and events of drives and cameras come from the content engine. The functions that ask it
  * (qra_get_usb_list(), qra_get_bd_list() and the functions that set and unset a callback) start it where it
- * does not run; where a system bus is there but no engine, that takes up to 40 seconds before it fails. Without
- * a system bus they fail at once. Media servers come from the home network service, which needs neither; see
+ * does not run; where a system bus is there but no engine, that takes up to 40 seconds before it fails.
+ * Without a system bus they fail at once. Media servers come from the home network service, which needs
+ * neither; see
  * @ref qra_storage_dlna.
  *
  * @section qra_storage_threads Threads and the main loop
@@ -24,14 +25,15 @@
  * @section qra_storage_dlna Media servers
  *
  * 1. qra_Init_dlna_service() connects the home network service. Its callback tells when it is there.
- * 2. Then qra_set_dlna_callback() has servers reported as they come and go, and qra_get_dlna_list() gives those
- *    that are there. A server's id is the path of a list request with the source "SOURCE_DLNA".
+ * 2. Then qra_set_dlna_callback() has servers reported as they come and go, and qra_get_dlna_list() gives
+ * those that are there. A server's id is the path of a list request with the source "SOURCE_DLNA".
  * 3. qra_finalize_dlna_service() ends the connection. Lists that are open then fail when they are read on.
  *
  * The callbacks come on a thread of the service, one after the other; one that takes long holds up all that
- * comes from the network. From inside one of them, qra_get_dlna_list(), accessors, clones and destroy functions
- * may be called. The functions that set or unset a callback, or connect or disconnect the service, must not: that
- * is a deadlock. When qra_unset_dlna_callback() has returned, the callback neither runs nor comes any more.
+ * comes from the network. From inside one of them, qra_get_dlna_list(), accessors, clones and destroy
+ * functions may be called. The functions that set or unset a callback, or connect or disconnect the service,
+ * must not: that is a deadlock. When qra_unset_dlna_callback() has returned, the callback neither runs nor
+ * comes any more.
  *
  * @section qra_storage_memory Who frees what
  *
@@ -96,8 +98,8 @@ typedef struct _qra_storage_list_s* qra_storage_list_h; /**< a list of records *
  * Tells that a device came or went.
  *
  * @param pUserData what the client gave with the callback
- * @param nEvent    QRA_STORAGE_EVENT_ATTACHED or QRA_STORAGE_EVENT_DETACHED; of the engine's devices, its number
- *                  as it is
+ * @param nEvent    QRA_STORAGE_EVENT_ATTACHED or QRA_STORAGE_EVENT_DETACHED; of the engine's devices, its
+ * number as it is
  * @param pStorage  the device; the library's, valid during the call only
  */
 typedef void (*qra_storage_cb)(void* pUserData, int nEvent, qra_storage_h pStorage);
@@ -145,10 +147,10 @@ QRA_API qra_error_code_e qra_get_usb_list(qra_storage_device_type eType, qra_sto
 QRA_API qra_error_code_e qra_get_bd_list(qra_storage_list_h* ppList);
 
 /**
- * Searches the home network anew, and gives the media servers that are there now. Servers that the search finds
- * come by the event callback, within about a second; just after the service was connected this waits up to 1.5
- * seconds for them. Their records have an id, a name, an address and whether they are of the television's own
- * maker.
+ * Searches the home network anew, and gives the media servers that are there now. Servers that the search
+ * finds come by the event callback, within about a second; just after the service was connected this waits up
+ * to 1.5 seconds for them. Their records have an id, a name, an address and whether they are of the
+ * television's own maker.
  *
  * @param ppList  as with qra_get_usb_list()
  * @retval QRA_ERROR_NONE     the list is there
@@ -238,8 +240,8 @@ QRA_API qra_error_code_e qra_unset_bd_callback(void);
 
 /**
  * Has a callback told of media servers that come and go, from now on. The servers that are there already are
- * those of qra_get_dlna_list(). To be called when the service is connected: see @ref qra_storage_dlna. Waits for
- * a callback that is running.
+ * those of qra_get_dlna_list(). To be called when the service is connected: see @ref qra_storage_dlna. Waits
+ * for a callback that is running.
  *
  * @param cb         the callback; it comes on a thread of the home network service
  * @param pUserData  handed to `cb` as it is; null allowed
@@ -260,8 +262,8 @@ QRA_API qra_error_code_e qra_unset_dlna_callback(void);
  * Connects the home network service, which searches the network for media servers. Returns at once.
  *
  * @param cb         told how it went, on a thread of the service: once after this call, and once after
- *                   qra_finalize_dlna_service() unless another callback is given there. Null allowed: then nobody
- *                   is told, and a callback of qra_set_dlna_callback() may be set before the service is connected
+ *                   qra_finalize_dlna_service() unless another callback is given there. Null allowed: then
+ * nobody is told, and a callback of qra_set_dlna_callback() may be set before the service is connected
  * @param pUserData  handed to `cb` as it is; null allowed
  * @retval QRA_ERROR_NONE     `cb` will be told, or the service is connected already and it will not
  * @retval QRA_ERROR_INTERNAL the service cannot be connected; `cb` is not told

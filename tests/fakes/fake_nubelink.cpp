@@ -420,19 +420,18 @@ int nbl_item_create_provider_item(const char* id, nbl_item_t* item) {
 
 int nbl_provider_browse(nbl_provider_t, nbl_item_t item, int start, int count, nbl_provider_cb callback,
                         void* user_data, int* token) {
-    const int code =
-        Calls::note(__func__, {item->item.id, std::to_string(start), std::to_string(count)});
+    const int code = Calls::note(__func__, {item->item.id, std::to_string(start), std::to_string(count)});
     return code != NBL_ERROR_NONE
                ? code
-               : Calls::start({"browse", item->item.id, start, count, 0, callback, nullptr, user_data}, token);
+               : Calls::start({"browse", item->item.id, start, count, 0, callback, nullptr, user_data},
+                              token);
 }
 
 int nbl_provider_browse_item(nbl_provider_t, const char* id, nbl_provider_cb callback, void* user_data,
                              int* token) {
     const int code = Calls::note(__func__, {text(id)});
-    return code != NBL_ERROR_NONE
-               ? code
-               : Calls::start({"item", id, 0, 1, 0, callback, nullptr, user_data}, token);
+    return code != NBL_ERROR_NONE ? code
+                                  : Calls::start({"item", id, 0, 1, 0, callback, nullptr, user_data}, token);
 }
 
 int nbl_provider_search(nbl_provider_t, nbl_searchcriteria_t criteria, int start, int count,
@@ -510,8 +509,7 @@ int nbl_provider_cancel_async_action(int token) {
 
 int nbl_provider_set_bookmark(nbl_provider_t, nbl_item_t item, int seconds, nbl_bookmark_cb callback,
                               int tag) {
-    const int code =
-        Calls::note(__func__, {item->item.id, std::to_string(seconds), std::to_string(tag)});
+    const int code = Calls::note(__func__, {item->item.id, std::to_string(seconds), std::to_string(tag)});
     if (code == NBL_ERROR_NONE && callback != nullptr) {
         fake->post([=] { callback(nullptr, NBL_ERROR_NONE, tag); });
     }
@@ -604,9 +602,9 @@ int nbl_item_get_type(nbl_item_t item, int* number) {
     return NBL_ERROR_NONE;
 }
 
-#define FAKE_TEXT(name)                                          \
-    int nbl_item_get_##name(nbl_item_t item, char** out) {       \
-        return Calls::get_text(#name, item, out);                \
+#define FAKE_TEXT(name)                                    \
+    int nbl_item_get_##name(nbl_item_t item, char** out) { \
+        return Calls::get_text(#name, item, out);          \
     }
 FAKE_TEXT(extension)
 FAKE_TEXT(uri)
@@ -625,9 +623,9 @@ int nbl_item_get_property_value_by_name(nbl_item_t item, const char* name, char*
     return Calls::get_text(name, item, out);
 }
 
-#define FAKE_NUMBER(name, Number)                                \
-    int nbl_item_get_##name(nbl_item_t item, Number* out) {      \
-        return Calls::get_number(#name, item, out);              \
+#define FAKE_NUMBER(name, Number)                           \
+    int nbl_item_get_##name(nbl_item_t item, Number* out) { \
+        return Calls::get_number(#name, item, out);         \
     }
 FAKE_NUMBER(child_count, int)
 FAKE_NUMBER(width, int)

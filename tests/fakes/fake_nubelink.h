@@ -18,8 +18,8 @@
  * Takes the place of the home network service in a test program.
  *
  * It answers on a thread of its own, as the service does: requests from what `folders` holds, in the order in
- * which they came, or, while `hold` is set, when the test says so. Only one may live at a time, and nothing may
- * call the service while none does. Fields are set before the calls that they are about.
+ * which they came, or, while `hold` is set, when the test says so. Only one may live at a time, and nothing
+ * may call the service while none does. Fields are set before the calls that they are about.
  */
 class FakeNubelink {
 public:
@@ -27,7 +27,8 @@ public:
         std::string id;
         std::string title;
         int type = NBL_ITEM_TYPE_OTHER;
-        std::map<std::string, std::string> texts;  ///< by the function's name without "nbl_item_get_", or property
+        std::map<std::string, std::string>
+            texts;  ///< by the function's name without "nbl_item_get_", or property
         std::map<std::string, long long> numbers;
     };
     struct Folder {

@@ -207,7 +207,8 @@ TEST_F(CQRADlnaMgrTest, AProviderOfTheClientsOwnCountsAsAConnection) {
 
 TEST_F(CQRADlnaMgrTest, ListsServersWithTheirFields) {
     connect();
-    service.devices = {{"uuid:1", "10.0.0.1", "Attic", "KELVORA Ltd"}, {"uuid:2", "10.0.0.2", "Cellar", "Acme"}};
+    service.devices = {{"uuid:1", "10.0.0.1", "Attic", "KELVORA Ltd"},
+                       {"uuid:2", "10.0.0.2", "Cellar", "Acme"}};
 
     const Json::Value devices = list()["devices"];
 
@@ -265,9 +266,8 @@ TEST_F(CQRADlnaMgrTest, EachFailureOfAListIsToldAndKeepsTheListBefore) {
     service.devices = {{"uuid:1", "", "Attic", ""}};
     list();
     const std::string before = mgr->GetAllDlnaListContent();
-    for (const char* function :
-         {"nbl_serviceprovider_get_devicefinder", "nbl_devicefinder_set_event_callback",
-          "nbl_devicefinder_get_device_list"}) {
+    for (const char* function : {"nbl_serviceprovider_get_devicefinder",
+                                 "nbl_devicefinder_set_event_callback", "nbl_devicefinder_get_device_list"}) {
         service.refuse = {{function, NBL_ERROR_FAILED}};
 
         EXPECT_FALSE(mgr->GetDlnaListSync()) << function;

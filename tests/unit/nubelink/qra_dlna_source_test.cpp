@@ -40,7 +40,11 @@ protected:
     bool execute(const std::string& folder, const std::string& category = "CATEGORY-FOLDER",
                  const std::string& content = "CONTENT-FOLDER", const char* keyword = nullptr,
                  const char* extension = nullptr) {
-        std::string texts[] = {"uuid:1", folder, category, content, keyword != nullptr ? keyword : "",
+        std::string texts[] = {"uuid:1",
+                               folder,
+                               category,
+                               content,
+                               keyword != nullptr ? keyword : "",
                                extension != nullptr ? extension : ""};
         qra_general_s param;
         param.szPath = texts[0].data();
@@ -189,8 +193,7 @@ TEST_F(CQRADLNASourceTest, TheExtensionDecidesTheTypeAndFilters) {
     EXPECT_THAT(ids(), ElementsAre("a", "d"));
     request("7", "CATEGORY-FOLDER", "CONTENT-IMAGE");
     EXPECT_THAT(ids(), ElementsAre("b", "d"));
-    execute("7", "CATEGORY-FOLDER", "CONTENT-FOLDER", nullptr,
-            R"({"param_media_extension_image":["txt"]})");
+    execute("7", "CATEGORY-FOLDER", "CONTENT-FOLDER", nullptr, R"({"param_media_extension_image":["txt"]})");
     ASSERT_TRUE(events.wait_for(4));
     EXPECT_THAT(ids(), ElementsAre("c", "d"));
 }
@@ -225,14 +228,11 @@ TEST_F(CQRADLNASourceTest, AFolderOfAnotherCategoryIsListedByItsId) {
 }
 
 TEST_F(CQRADLNASourceTest, EachSortedViewHasItsFolder) {
-    const char* const rows[][3] = {{"CONTENT-IMAGE", "CATEGORY-TITLE", "I_N"},
-                                   {"CONTENT-IMAGE", "CATEGORY-DATE", "I_L"},
-                                   {"CONTENT-VIDEO", "CATEGORY-TITLE", "V_T"},
-                                   {"CONTENT-VIDEO", "CATEGORY-DATE", "V_L"},
-                                   {"CONTENT-MUSIC", "CATEGORY-TRACK", "A_M"},
-                                   {"CONTENT-MUSIC", "CATEGORY-ARTIST", "A_A"},
-                                   {"CONTENT-MUSIC", "CATEGORY-ALBUM", "A_L"},
-                                   {"CONTENT-MUSIC", "CATEGORY-GENRE", "A_G"}};
+    const char* const rows[][3] = {
+        {"CONTENT-IMAGE", "CATEGORY-TITLE", "I_N"}, {"CONTENT-IMAGE", "CATEGORY-DATE", "I_L"},
+        {"CONTENT-VIDEO", "CATEGORY-TITLE", "V_T"}, {"CONTENT-VIDEO", "CATEGORY-DATE", "V_L"},
+        {"CONTENT-MUSIC", "CATEGORY-TRACK", "A_M"}, {"CONTENT-MUSIC", "CATEGORY-ARTIST", "A_A"},
+        {"CONTENT-MUSIC", "CATEGORY-ALBUM", "A_L"}, {"CONTENT-MUSIC", "CATEGORY-GENRE", "A_G"}};
     for (const auto& row : rows) {
         service.features = {{"DCM10", {row[2]}}};
         service.folders[row[2]] = {};

@@ -25,8 +25,9 @@ void add_server(void* received, int event, qra_storage_h storage) {
                                           qra_storage_get_ip(storage));
 }
 
-void add_list(void* received, qra_agent_handler_h, qra_event_e event, int, const char*) {
+bool add_list(void* received, qra_agent_handler_h, qra_event_e event, int, const char*) {
     static_cast<Received*>(received)->add(std::to_string(event));
+    return true;
 }
 
 class DlnaStorage : public testing::Test {
@@ -46,7 +47,8 @@ protected:
 
 TEST_F(DlnaStorage, ServersAreListedWithTheFieldsThatTheyHave) {
     connect();
-    service.devices = {{"uuid:1", "10.0.0.1", "Attic", "KELVORA"}, {"uuid:2", "10.0.0.2", std::string(300, 'n'), ""}};
+    service.devices = {{"uuid:1", "10.0.0.1", "Attic", "KELVORA"},
+                       {"uuid:2", "10.0.0.2", std::string(300, 'n'), ""}};
     qra_storage_list_h list = nullptr;
 
     EXPECT_EQ(qra_get_dlna_list(&list), QRA_ERROR_NONE);
@@ -219,7 +221,8 @@ TEST_F(DlnaStorage, AListRequestBrowsesAServer) {
     ASSERT_EQ(qra_set_page_style_v2(handle, style), QRA_ERROR_NONE);
     char* item = nullptr;
     ASSERT_EQ(qra_get_item_v2(handle, 0, &item), QRA_ERROR_NONE);
-    EXPECT_STREQ(item, "{\"DISPLAY_NAME\":\"Holiday\",\"ID_QRA\":\"f\",\"MEDIA_TYPE\":1,\"TITLE\":\"Holiday\"}\n");
+    EXPECT_STREQ(item,
+                 "{\"DISPLAY_NAME\":\"Holiday\",\"ID_QRA\":\"f\",\"MEDIA_TYPE\":1,\"TITLE\":\"Holiday\"}\n");
     free(item);
     qra_param_set_general_folder_id(param, "gone");
     EXPECT_EQ(qra_request_list_v2(param, add_list, &events, &handle), QRA_ERROR_NONE) << "a repeat";

@@ -34,18 +34,28 @@ protected:
 
 TEST_F(DlnaValue, TextsComeFromTheItem) {
     FakeNubelink::Item item{"64$1", "Sunset", NBL_ITEM_TYPE_IMAGE, {}, {}};
-    item.texts = {{"uri", "http://a/1"},          {"mta_uri", "http://a/2"},  {"mimetype", "image/jpeg"},
-                  {"album_title", "Sea"},         {"artist", "Ann"},          {"date", "2021-05-06"},
-                  {"extension", "jpg"},           {"genre", "Nature"},        {"location", "Brest"},
-                  {"resolution", "640x480"},      {"subtitle", "http://a/3"}, {"thumbnail", "http://a/4"}};
+    item.texts = {{"uri", "http://a/1"},     {"mta_uri", "http://a/2"},  {"mimetype", "image/jpeg"},
+                  {"album_title", "Sea"},    {"artist", "Ann"},          {"date", "2021-05-06"},
+                  {"extension", "jpg"},      {"genre", "Nature"},        {"location", "Brest"},
+                  {"resolution", "640x480"}, {"subtitle", "http://a/3"}, {"thumbnail", "http://a/4"}};
     const _stDLNAMediaItem media = make_media(item);
-    const std::pair<const char*, const char*> rows[] = {
-        {"ID_QRA", "64$1"},          {"TITLE", "Sunset"},         {"URL", "http://a/1"},
-        {"MTA_URL", "http://a/2"},   {"MIME_TYPE", "image/jpeg"}, {"FORMAT", "jpeg"},
-        {"ALBUM", "Sea"},            {"ARTIST", "Ann"},           {"DATE_TAKEN", "2021-05-06"},
-        {"EXTENSION", "jpg"},        {"GENRE", "Nature"},         {"LOCATION_TAG", "Brest"},
-        {"RESOLUTION", "640x480"},   {"SUBTITLE", "http://a/3"},  {"RESOLUTION_DLNA", "640x480"},
-        {"THUMBNAIL_PATH", "http://a/4"}, {"DISPLAY_NAME", "Sunset.jpg"}};
+    const std::pair<const char*, const char*> rows[] = {{"ID_QRA", "64$1"},
+                                                        {"TITLE", "Sunset"},
+                                                        {"URL", "http://a/1"},
+                                                        {"MTA_URL", "http://a/2"},
+                                                        {"MIME_TYPE", "image/jpeg"},
+                                                        {"FORMAT", "jpeg"},
+                                                        {"ALBUM", "Sea"},
+                                                        {"ARTIST", "Ann"},
+                                                        {"DATE_TAKEN", "2021-05-06"},
+                                                        {"EXTENSION", "jpg"},
+                                                        {"GENRE", "Nature"},
+                                                        {"LOCATION_TAG", "Brest"},
+                                                        {"RESOLUTION", "640x480"},
+                                                        {"SUBTITLE", "http://a/3"},
+                                                        {"RESOLUTION_DLNA", "640x480"},
+                                                        {"THUMBNAIL_PATH", "http://a/4"},
+                                                        {"DISPLAY_NAME", "Sunset.jpg"}};
 
     for (const auto& row : rows)
         EXPECT_EQ(text(media, row.first), row.second) << row.first;
@@ -91,10 +101,15 @@ TEST_F(DlnaValue, AnItemWithoutARecordHasNoValues) {
 }
 
 TEST_F(DlnaValue, NumbersComeFromTheItem) {
-    const _stDLNAMediaItem media =
-        make_media({"1", "", NBL_ITEM_TYPE_VIDEO, {{"upnp:playbackCount", "17"}},
-                    {{"width", 640}, {"height", 480}, {"seek_mode", 3}, {"file_size", 5000000000},
-                     {"duration", 61000}}});
+    const _stDLNAMediaItem media = make_media({"1",
+                                               "",
+                                               NBL_ITEM_TYPE_VIDEO,
+                                               {{"upnp:playbackCount", "17"}},
+                                               {{"width", 640},
+                                                {"height", 480},
+                                                {"seek_mode", 3},
+                                                {"file_size", 5000000000},
+                                                {"duration", 61000}}});
     unsigned long long size = 0;
     unsigned long long duration = 0;
 
@@ -125,8 +140,8 @@ TEST_F(DlnaValue, NumbersThatAreNotThereAreFalse) {
 }
 
 TEST_F(DlnaValue, TheMediaTypeFollowsTheItemType) {
-    const std::pair<int, int> rows[] = {{NBL_ITEM_TYPE_IMAGE, 2}, {NBL_ITEM_TYPE_VIDEO, 3},
-                                        {NBL_ITEM_TYPE_MUSIC, 5}};
+    const std::pair<int, int> rows[] = {
+        {NBL_ITEM_TYPE_IMAGE, 2}, {NBL_ITEM_TYPE_VIDEO, 3}, {NBL_ITEM_TYPE_MUSIC, 5}};
     for (const auto& row : rows) {
         const _stDLNAMediaItem media = make_media({"1", "", row.first, {}, {}});
         EXPECT_EQ(number(media, "MEDIA_TYPE", true), row.second);
@@ -180,9 +195,8 @@ TEST_F(DlnaValue, ACopyIsAReferenceAndTheLastOneGivesTheRecordBack) {
 
 TEST_F(DlnaValue, EachCategoryHasItsGroupLevels) {
     const std::pair<const char*, int> rows[] = {
-        {"CATEGORY-DATE", 2},  {"CATEGORY-TITLE", 2}, {"CATEGORY-TRACK", 1},
-        {"CATEGORY-ARTIST", 1}, {"CATEGORY-ALBUM", 1}, {"CATEGORY-GENRE", 1},
-        {"CATEGORY-FOLDER", 0}, {"", 0}};
+        {"CATEGORY-DATE", 2},  {"CATEGORY-TITLE", 2}, {"CATEGORY-TRACK", 1},  {"CATEGORY-ARTIST", 1},
+        {"CATEGORY-ALBUM", 1}, {"CATEGORY-GENRE", 1}, {"CATEGORY-FOLDER", 0}, {"", 0}};
     for (const auto& row : rows)
         EXPECT_EQ(CQRADLNAWrapper::GetGrouplevel(row.first), row.second) << row.first;
 }

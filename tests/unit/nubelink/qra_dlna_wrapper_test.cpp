@@ -281,7 +281,8 @@ TEST_F(CQRADLNAWrapperTest, AGroupIsListedByItsItemAndItsChildCount) {
 TEST_F(CQRADLNAWrapperTest, AGroupWithoutAChildCountIsAFailure) {
     init("/", "CATEGORY-DATE");
 
-    EXPECT_EQ(wrapper->GetItemList(group_of({"g", "", NBL_ITEM_TYPE_FOLDER, {}, {}}), add_media, add_group), 1);
+    EXPECT_EQ(wrapper->GetItemList(group_of({"g", "", NBL_ITEM_TYPE_FOLDER, {}, {}}), add_media, add_group),
+              1);
 }
 
 TEST_F(CQRADLNAWrapperTest, AnEmptyPageOfAGroupIsReportedAsAnEmptyGroup) {
@@ -322,9 +323,12 @@ TEST_F(CQRADLNAWrapperTest, TheFeatureMustNameTheFolderOfTheRequest) {
         std::vector<std::pair<std::string, std::vector<std::string>>> features;
         int error;
     } rows[] = {
-        {{{"maker_DCM10", {"A_A", "I_N"}}}, 0}, {{{"OTHER", {"I_N"}}, {"DCM", {"I_N"}}}, 0},
-        {{{"DCM", {}}, {"DCM", {"I_N"}}}, 0},   {{{"DCM", {"A_A"}}}, 1},
-        {{{"dcm", {"I_N"}}}, 1},                {{{"DCM", {}}}, 1},
+        {{{"maker_DCM10", {"A_A", "I_N"}}}, 0},
+        {{{"OTHER", {"I_N"}}, {"DCM", {"I_N"}}}, 0},
+        {{{"DCM", {}}, {"DCM", {"I_N"}}}, 0},
+        {{{"DCM", {"A_A"}}}, 1},
+        {{{"dcm", {"I_N"}}}, 1},
+        {{{"DCM", {}}}, 1},
         {{}, 1},
     };
     for (const auto& row : rows) {
@@ -393,8 +397,11 @@ TEST_F(CQRADLNAWrapperTest, ALevelHolds200GroupsAtMost) {
 }
 
 TEST_F(CQRADLNAWrapperTest, GroupsWithoutAnIdOrWithoutChildrenAreSkipped) {
-    service.folders["A_A"].children = {folder("", 4), folder("b", 0), folder("c", -1),
-                                       {"d", "", NBL_ITEM_TYPE_FOLDER, {}, {}}, folder("e", 1)};
+    service.folders["A_A"].children = {folder("", 4),
+                                       folder("b", 0),
+                                       folder("c", -1),
+                                       {"d", "", NBL_ITEM_TYPE_FOLDER, {}, {}},
+                                       folder("e", 1)};
     init("A_A", "CATEGORY-ARTIST");
 
     EXPECT_EQ(wrapper->GetGroupLevel1(add_group), 0);
@@ -598,7 +605,8 @@ TEST_F(CQRADLNAWrapperTest, AnAnswerMayComeBeforeItsTokenIsKnown) {
 TEST_F(CQRADLNAWrapperTest, TheEndOfTheWrapperDropsItsRequests) {
     service.hold = true;
     service.folders["7"].children = pictures(3);
-    wrapper->QraNblGetBookmark("7", [](void*, int) { return ADD_FAILURE() << "called", true; }, nullptr);
+    wrapper->QraNblGetBookmark(
+        "7", [](void*, int) { return ADD_FAILURE() << "called", true; }, nullptr);
     ASSERT_TRUE(service.wait_for_open(1));
     const FakeNubelink::Request request = service.open()[0];
     std::promise<void> go;

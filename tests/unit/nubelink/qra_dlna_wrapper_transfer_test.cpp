@@ -189,12 +189,16 @@ TEST_F(DlnaTransfer, ADownloadMayBeStoppedFromItsCallback) {
 }
 
 TEST_F(DlnaTransfer, APathIsSentUnderItsContentType) {
-    const std::pair<const char*, const char*> rows[] = {
-        {"/a/b.JPG", "image/jpeg"},      {"/a/b.html", "text/plain"},
-        {"/a/b.htm", "text/html"},       {"/a/b.xml", "text/xml; charset=\"utf-8\""},
-        {"/a/b.m2ts", "application/octet-stream"}, {"/a/b.mkv", "video/x-matroska"},
-        {"/a/b.xyz", "application/octet-stream"},  {"/a.mp3/b", "application/octet-stream"},
-        {"b.tp", "video/vnd.dlna.mpeg-tts"},       {"/a/c.tar.flac", "audio/x-flac"}};
+    const std::pair<const char*, const char*> rows[] = {{"/a/b.JPG", "image/jpeg"},
+                                                        {"/a/b.html", "text/plain"},
+                                                        {"/a/b.htm", "text/html"},
+                                                        {"/a/b.xml", "text/xml; charset=\"utf-8\""},
+                                                        {"/a/b.m2ts", "application/octet-stream"},
+                                                        {"/a/b.mkv", "video/x-matroska"},
+                                                        {"/a/b.xyz", "application/octet-stream"},
+                                                        {"/a.mp3/b", "application/octet-stream"},
+                                                        {"b.tp", "video/vnd.dlna.mpeg-tts"},
+                                                        {"/a/c.tar.flac", "audio/x-flac"}};
     for (const auto& row : rows) {
         EXPECT_EQ(upload(row.first), 0) << row.first;
         EXPECT_EQ(service.count(std::string("nbl_item_get_local_content ") + row.first + " " + row.second), 1)
