@@ -373,15 +373,23 @@ TEST(HostileInput, ACameraRequestNeedsItsTexts) {
     EXPECT_TRUE(refused("CATEGORY-TITLE", "CONTENT-MUSIC", nullptr)) << "no content of cameras";
 }
 
-TEST(HostileInput, ASourceThatIsNotServedIsRefused) {
-    for (const char* source : {"SOURCE_DLNA"}) {
-        const Param<qra_general_s> request;
-        qra_param_set_general_source(request, source);
-        qra_param_set_general_path(request, "/");
-        Handle handle = nullptr;
-        EXPECT_EQ(QRA_ERROR_NOT_SUPPORTED, qra_request_list_v2(request, nullptr, nullptr, &handle)) << source;
-        EXPECT_EQ(nullptr, handle) << source;
-    }
+TEST(HostileInput, AMediaServerWithoutTheHomeNetworkServiceIsRefused) {
+    const Param<qra_general_s> request;
+    qra_param_set_general_source(request, "SOURCE_DLNA");
+    Handle handle = nullptr;
+    EXPECT_EQ(QRA_ERROR_INTERNAL, qra_request_list_v2(request, nullptr, nullptr, &handle)) << "no id";
+    qra_param_set_general_path(request, "uuid:1");
+    EXPECT_EQ(QRA_ERROR_INTERNAL, qra_request_list_v2(request, nullptr, nullptr, &handle));
+    EXPECT_EQ(nullptr, handle);
+}
+
+TEST(HostileInput, WithoutTheHomeNetworkServiceThereAreNoServers) {
+    qra_storage_list_h list = nullptr;
+    EXPECT_EQ(QRA_ERROR_INTERNAL, qra_get_dlna_list(&list));
+    EXPECT_EQ(nullptr, list);
+    EXPECT_EQ(QRA_ERROR_INVALID_PARAM, qra_set_dlna_callback(nullptr, nullptr));
+    EXPECT_EQ(QRA_ERROR_NONE, qra_unset_dlna_callback());
+    EXPECT_EQ(QRA_ERROR_INTERNAL, qra_finalize_dlna_service(nullptr, nullptr)) << "not started";
 }
 
 TEST(HostileInput, ASourceOfTheEngineWithoutAnAccountIsRefused) {

@@ -339,7 +339,9 @@ int nbl_serviceconnector_disconnect(nbl_serviceconnector_cb callback, void* user
     const int code = Calls::note(__func__);
     if (code == NBL_ERROR_NONE) {
         Calls::watch(nullptr, nullptr);
-        fake->post([=] { callback(nullptr, NBL_SERVICECONNECTOR_DISABLED, user_data); });
+        if (callback != nullptr) {
+            fake->post([=] { callback(nullptr, NBL_SERVICECONNECTOR_DISABLED, user_data); });
+        }
     }
     return code;
 }

@@ -30,7 +30,7 @@ std::string device_name(nbl_device_t device) {
 }  // namespace
 
 CQRADlnaMgr::~CQRADlnaMgr() {
-    DisConnectSerivce();
+    m_DisConnect(nullptr);
 }
 
 bool CQRADlnaMgr::ConnectService() {
@@ -46,7 +46,11 @@ bool CQRADlnaMgr::ConnectService() {
 }
 
 bool CQRADlnaMgr::DisConnectSerivce() {
-    if (nbl_serviceconnector_disconnect(m_OnServiceDisConnectCB, this) == DISCONNECT_FAILURE) {
+    return m_DisConnect(m_OnServiceDisConnectCB);
+}
+
+bool CQRADlnaMgr::m_DisConnect(nbl_serviceconnector_cb cb) {
+    if (nbl_serviceconnector_disconnect(cb, this) == DISCONNECT_FAILURE) {
         QRA_LOG_WARNING(QRA_TAG_DLNA, "nbl_serviceconnector_disconnect failed");
         return false;
     }

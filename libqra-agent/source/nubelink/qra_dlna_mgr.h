@@ -38,7 +38,7 @@ public:
     using connect_cb = qra_dlna_connect_cb;
 
     CQRADlnaMgr() = default;
-    /// Disconnects the service. The singleton never goes.
+    /// Disconnects the service, whose answer then comes to nobody. The singleton never goes.
     ~CQRADlnaMgr();
     CQRADlnaMgr(const CQRADlnaMgr&) = delete;
     CQRADlnaMgr& operator=(const CQRADlnaMgr&) = delete;
@@ -74,6 +74,7 @@ private:
     static bool m_DistinguishDevice(nbl_device_t* pDevices, int nIndex);
     static std::string m_BuildDeviceList(nbl_device_t* pDevices, int nCount);
 
+    bool m_DisConnect(nbl_serviceconnector_cb cb) QRA_EXCLUDES(m_Mutex, m_StateMutex);
     void m_OnConnected(nbl_serviceprovider_t pProvider, int nState) QRA_EXCLUDES(m_Mutex, m_StateMutex);
     /// True if the connect callback, which then was told, is set.
     bool m_TellConnectCallback(int nState) QRA_REQUIRES(m_Mutex) QRA_EXCLUDES(m_StateMutex);

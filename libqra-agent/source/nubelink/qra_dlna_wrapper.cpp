@@ -197,8 +197,11 @@ void CQRADLNAWrapper::m_Answer(void* pCall, Handler<Response> handler, const Res
     }
     const Response none{};
     const int nAnswerError = pResponse == nullptr && nError == NBL_ERROR_NONE ? NBL_ERROR_FAILED : nError;
+    // The answer to a cancel may come before the call that cancels has returned.
+    const bool bCancelled = nError == NBL_ERROR_CANCELLED && it->second.bCancelled;
     const EAnswer eAnswer =
-        (pThis->*handler)(it->second, pResponse != nullptr ? *pResponse : none, nAnswerError);
+        bCancelled ? ANSWER_DROPPED
+                   : (pThis->*handler)(it->second, pResponse != nullptr ? *pResponse : none, nAnswerError);
     if (eAnswer != ANSWER_MORE) {
         CQRADlnaCallTable::GetInstance()->Remove(pCall);
         pThis->m_TokenMap.erase(it);
@@ -274,6 +277,7 @@ bool CQRADLNAWrapper::m_CancelNext(bool& bDone) {
         }
         nToken = m_TokenMap.begin()->first;
         pCall = m_TokenMap.begin()->second.pCall;
+        m_TokenMap.begin()->second.bCancelled = true;
     }
     const int nCode = nbl_provider_cancel_async_action(nToken);
     const Lock lock(m_RequestMutex);

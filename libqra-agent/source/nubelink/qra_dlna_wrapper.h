@@ -127,6 +127,7 @@ private:
         group_cb cbGroup = nullptr;
         std::string strParentTitle;
         void* pCall = nullptr;
+        bool bCancelled = false;  ///< the service was asked to cancel it
     };
     using Request = qra_nbl_request_list_user_data_s;
     struct Bookmark {

@@ -6,6 +6,7 @@
 #include "libqra-agent/agent/src/qra_web_agent.h"
 #include "libqra-agent/playlist/qra_playlist_source.h"
 #include "libqra-agent/source/local-source/qra_msc_source.h"
+#include "libqra-agent/source/nubelink/qra_dlna_source.h"
 #include "libqra-agent/source/ptp/qra_ptp_source.h"
 
 namespace {
@@ -24,14 +25,15 @@ TEST(SourceFactory, EveryOtherNameIsTheEngines) {
     }
 }
 
-TEST(SourceFactory, MassStorageCamerasAndPlaylistsHaveASource) {
+TEST(SourceFactory, EachSourceOfThisProcessIsMade) {
     EXPECT_NE(dynamic_cast<CQRAMSCSource*>(qra_make_source("SOURCE_MSC").get()), nullptr);
     EXPECT_NE(dynamic_cast<CQRAPTPSource*>(qra_make_source("SOURCE_PTP").get()), nullptr);
+    EXPECT_NE(dynamic_cast<CQRADLNASource*>(qra_make_source("SOURCE_DLNA").get()), nullptr);
     EXPECT_NE(dynamic_cast<CQRAPlaylistSource*>(qra_make_source("SOURCE_PLAYLIST").get()), nullptr);
 }
 
-TEST(SourceFactory, WhatThisBuildDoesNotHaveIsNull) {
-    for (const char* name : {"SOURCE_DLNA", "CloudSource", ""})
+TEST(SourceFactory, WhatIsNoneOfThisProcessIsNull) {
+    for (const char* name : {"CloudSource", ""})
         EXPECT_EQ(qra_make_source(name), nullptr) << name;
 }
 

@@ -657,7 +657,7 @@ TEST_F(CQRADLNASourceTest, ASourceCanBeOpenedAgain) {
 
 TEST_F(CQRADLNASourceTest, ClosingEndsARequestInEachPhaseWithoutCompletingIt) {
     serve_dates();
-    for (size_t answered = 0; answered < 9; ++answered) {
+    for (size_t answered = 0; answered < 8; ++answered) {
         service.hold = true;
         EXPECT_TRUE(execute("/", "CATEGORY-DATE", "CONTENT-IMAGE"));
         for (size_t i = 0; i < answered; ++i) {
