@@ -33,7 +33,10 @@ bool add_list(void* received, qra_agent_handler_h, qra_event_e event, int, const
 class DlnaStorage : public testing::Test {
 protected:
     /// The manager is the process's, and may have been left connected.
-    DlnaStorage() { qra_finalize_dlna_service(nullptr, nullptr); }
+    DlnaStorage() {
+        qra_finalize_dlna_service(nullptr, nullptr);
+        service.run([] {});
+    }
     ~DlnaStorage() override { qra_finalize_dlna_service(nullptr, nullptr); }
 
     void connect() {
