@@ -31,7 +31,10 @@ Json::Value json(const std::string& text) {
 
 class CQRADlnaMgrTest : public testing::Test {
 protected:
-    ~CQRADlnaMgrTest() override { mgr.reset(); }
+    ~CQRADlnaMgrTest() override {
+        service.run([] {});  // what the service still has to tell the manager
+        mgr.reset();
+    }
 
     void connect() {
         ASSERT_TRUE(mgr->ConnectService());
