@@ -16,6 +16,8 @@ constexpr char kMediaServer[] = "urn:schemas-upnp-org:device:MediaServer:1";
 constexpr std::string_view kAnyMediaServer = "urn:schemas-upnp-org:device:MediaServer:";
 // Answers come within the second of the MX; descriptions are fetched meanwhile and after it.
 constexpr unsigned kFirstSearch = 1300;
+constexpr unsigned kNextLook = 200;
+constexpr unsigned kMostLooks = 5;
 constexpr size_t kLongestId = 200;
 constexpr size_t kLongestLocation = 1024;
 
@@ -106,23 +108,41 @@ void Discovery::Network::pass_on_gone() {
 }
 
 Discovery::Discovery(const HttpClient& http, DeviceTable& table, Announcements::Report report)
-    : table_(table),
-      announcements_(http, table, std::move(report)),
-      manager_(gupnp_context_manager_create(0)) {
+    : table_(table), announcements_(http, table, std::move(report)) {
+    look_for_networks();
+    if (running()) {
+        table_.set_searched(false);
+        first_search_.start(kFirstSearch, [this] { table_.set_searched(true); });
+    }
+}
+
+void Discovery::look_for_networks() {
+    manager_.reset(gupnp_context_manager_create(0));
     if (!running()) {
         return;
     }
     g_signal_connect(manager_.get(), "context-available", G_CALLBACK(&Discovery::on_network), this);
     g_signal_connect(manager_.get(), "context-unavailable", G_CALLBACK(&Discovery::on_network_gone), this);
-    table_.set_searched(false);
-    first_search_.start(kFirstSearch, [this] { table_.set_searched(true); });
+    look_again_.start(kNextLook, [this] { look_again_if_none(); });
 }
 
-Discovery::~Discovery() {
+void Discovery::leave_networks() {
     if (running()) {
         g_signal_handlers_disconnect_by_data(manager_.get(), this);
     }
     networks_.clear();
+}
+
+void Discovery::look_again_if_none() {
+    // GUPnP chooses a port without looking whether it is free, and leaves a network out whose port is not.
+    if (networks_.empty() && ++looks_ < kMostLooks) {
+        leave_networks();
+        look_for_networks();
+    }
+}
+
+Discovery::~Discovery() {
+    leave_networks();
     table_.clear();
     table_.set_searched(true);
 }

@@ -103,6 +103,9 @@ public:
 
 private:
     struct Network;
+    void look_for_networks();
+    void leave_networks();
+    void look_again_if_none();
     static void on_network(GUPnPContextManager*, GUPnPContext* context, Discovery* self);
     static void on_network_gone(GUPnPContextManager*, GUPnPContext* context, Discovery* self);
 
@@ -110,6 +113,8 @@ private:
     Announcements announcements_;
     std::map<GUPnPContext*, std::unique_ptr<Network>> networks_;
     Timer first_search_;
+    Timer look_again_;
+    unsigned looks_ = 0;  ///< for networks, while none is found
     ObjectPtr<GUPnPContextManager> manager_;
 };
 

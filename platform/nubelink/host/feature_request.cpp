@@ -96,6 +96,7 @@ bool FeatureRequest::has_sorted_containers() const {
 
 void FeatureRequest::finish(int source) {
     provider_->feature_source = source;
+    provider_->features_of = session_->device(device_id());
     if (const std::unique_ptr<Request> self = session_->requests().take(token())) {
         tell(source, NBL_ERROR_NONE);
     }

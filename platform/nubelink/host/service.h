@@ -20,8 +20,9 @@ struct nbl_provider_s {
 
     const std::string id;
     nbl::PageMemory pages;  ///< of the worker alone
-    /// An nbl_feature_source_e, once it is known; of the worker alone.
-    std::optional<int> feature_source;
+    /// An nbl_feature_source_e, as the device said that features_of is; of the worker alone.
+    int feature_source = NBL_FEATURE_SOURCE_NONE;
+    nbl::DevicePtr features_of;  ///< null as long as none said anything
 };
 
 namespace nbl {

@@ -19,7 +19,9 @@ ViewRequest::~ViewRequest() {
 }
 
 void ViewRequest::begin() {
-    if (provider()->feature_source) {
+    // A server that has come anew may have come with others.
+    const DevicePtr& known = provider()->features_of;
+    if (known != nullptr && known == session().device(device_id())) {
         go_on();
         return;
     }
