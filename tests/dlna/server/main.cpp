@@ -67,7 +67,7 @@ private:
     Faults faults_;
     Journal journal_;
     GMainLoop* loop_;
-    GUPnPContext* context_;
+    GUPnPContext* context_ = nullptr;
     GUPnPRootDevice* device_;
     GUPnPServiceInfo* connection_manager_;
     GSSDPResourceGroup* flood_ = nullptr;
@@ -81,8 +81,13 @@ private:
 Server::Server(const Options& options) : loop_(g_main_loop_new(nullptr, FALSE)) {
     GError* error = nullptr;
     GInetAddress* address = g_inet_address_new_from_string(options.address.c_str());
-    context_ = gupnp_context_new_for_address(address, static_cast<guint16>(options.port),
-                                             GSSDP_UDA_VERSION_1_0, &error);
+    // GUPnP chooses a port without looking whether it is free.
+    constexpr int kTries = 20;
+    for (int i = 0; i < kTries && !context_; ++i) {
+        g_clear_error(&error);
+        context_ = gupnp_context_new_for_address(address, static_cast<guint16>(options.port),
+                                                 GSSDP_UDA_VERSION_1_0, &error);
+    }
     g_object_unref(address);
     if (!context_) {
         give_up("network", error);
