@@ -143,14 +143,18 @@ void HeifReader::read_location(ByteCursor& cursor, uint8_t version, const size_t
     cursor.skip(2);  // data reference
     const uint64_t base = cursor.number(widths[2]);
     const uint16_t extents = cursor.u16();
-    for (uint16_t i = 0; i < extents && cursor.ok(); ++i) {
-        cursor.skip(widths[3]);
-        const uint64_t offset = cursor.number(widths[0]);
-        const uint64_t length = cursor.number(widths[1]);
-        // Method 0 counts from the start of the file; items in pieces are none of those that are wanted here.
-        if (cursor.ok() && method == 0 && extents == 1) {
-            note_item(item, {base + offset, length});
-        }
+    if (extents == 0) {
+        return;
+    }
+    cursor.skip(widths[3]);
+    const uint64_t offset = cursor.number(widths[0]);
+    const uint64_t length = cursor.number(widths[1]);
+    // Skipped at once: an extent may take no bytes at all, and then no end of the table stops a walk over
+    // them.
+    cursor.skip((extents - size_t{1}) * (widths[3] + widths[0] + widths[1]));
+    // Method 0 counts from the start of the file; items in pieces are none of those that are wanted here.
+    if (cursor.ok() && method == 0 && extents == 1) {
+        note_item(item, {base + offset, length});
     }
 }
 

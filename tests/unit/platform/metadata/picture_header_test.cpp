@@ -169,6 +169,37 @@ TEST(HeifHeader, TakesTheSizeOfThePrimaryItem) {
     expect_size(box("ftyp", "heic") + box("meta", meta), 4000, 3000);
 }
 
+/// A HEIF file whose item 2 is EXIF, with the location table `locations`.
+std::string heif_with_locations(const std::string& locations) {
+    const std::string none(4, '\0');
+    const std::string info =
+        box("infe", big(2, 1) + big(0, 3) + big(2, 2) + big(0, 2) + "Exif" + std::string(1, '\0'));
+    const std::string extent = box("ispe", none + big(40, 4) + big(30, 4));
+    const std::string associations = none + big(1, 4) + big(1, 2) + big(1, 1) + big(1, 1);
+    return box("ftyp", "heic") +
+           box("meta", none + box("pitm", none + big(1, 2)) + box("iinf", none + big(1, 2) + info) +
+                           box("iprp", box("ipco", extent) + box("ipma", associations)) +
+                           box("iloc", locations));
+}
+
+TEST(HeifHeader, FindsAnItemBehindOneInPieces) {
+    const std::string bytes =
+        heif_with_locations(big(0, 4) + big(0x4400, 2) + big(2, 2) +                          //
+                            big(1, 2) + big(0, 2) + big(3, 2) + std::string(3 * 8, '\x7F') +  //
+                            big(2, 2) + big(0, 2) + big(1, 2) + big(0, 4) + big(uint64_t{1} << 20, 4));
+    const Outcome outcome = read(bytes);
+    ASSERT_EQ(outcome.header.exif.size(), 1U);
+    EXPECT_EQ(outcome.header.exif[0].offset, 4 + uint64_t{12});  // behind its own head, which starts the file
+}
+
+TEST(HeifHeader, SkipsItemsInPiecesThatTakeNoBytes) {
+    std::string locations = big(2, 1) + big(0, 3) + big(0, 2) + big(100'000, 4);
+    for (int i = 0; i < 100'000; ++i) {
+        locations += big(1, 4) + big(0, 2) + big(0, 2) + big(0xFFFF, 2);
+    }
+    expect_size(heif_with_locations(locations), 40, 30);
+}
+
 TEST(HeifHeader, OfCanonsRawFormatIsReadFromItsBoxes) {
     const std::string id = "\x85\xC0\xB6\x87\x82\x0F\x11\xE0\x81\x11\xF4\xCE\x46\x2B\x6A\x48";
     const std::string first =
