@@ -11,11 +11,16 @@ int Device::call(const std::function<int(Session&)>& function) {
     if (closed_) {
         return MTP_ERROR_NO_DEVICE;
     }
+    if (Clock::now() < asked_again_at_) {
+        closed_ = !present_();
+        return closed_ ? MTP_ERROR_NO_DEVICE : MTP_ERROR_IO;
+    }
     if (transport_ == nullptr) {
         transport_ = std::make_unique<Transport>();
     }
     const int code = call_in_session(function);
     const Transport::Failure failure = transport_->failure();
+    count_timeouts(failure);
     if (session_ == nullptr) {
         transport_.reset();
     }
@@ -42,6 +47,14 @@ int Device::call_in_session(const std::function<int(Session&)>& function) {
         session_.reset();
     }
     return code;
+}
+
+void Device::count_timeouts(Transport::Failure failure) {
+    timeouts_ = failure == Transport::Failure::kTimeout ? timeouts_ + 1 : 0;
+    if (timeouts_ >= kMostTimeouts) {
+        timeouts_ = kMostTimeouts;
+        asked_again_at_ = Clock::now() + kPause;
+    }
 }
 
 void Device::end_session() {

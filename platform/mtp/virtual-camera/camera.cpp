@@ -104,7 +104,10 @@ int Camera::claim() {
         return LIBUSB_ERROR_BUSY;
     }
     files::Descriptor file(open(description_.file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file || flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+    if (!file || !is_there()) {
+        return LIBUSB_ERROR_NO_DEVICE;
+    }
+    if (flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
         return LIBUSB_ERROR_BUSY;
     }
     claim_ = std::move(file);

@@ -112,6 +112,30 @@ TEST_F(MtpFaults, ACameraThatDoesNotAnswerIsGivenUpAndTriedAgain) {
     EXPECT_EQ(cameras_.transactions("OpenSession"), 2);
 }
 
+TEST_F(MtpFaults, ACameraThatAnswersNoMoreIsLeftAloneAfterTwoCalls) {
+    std::vector<std::string> lines;
+    for (int at = 2; at < 20; ++at) {
+        lines.push_back("fault = stall GetObjectHandles " + std::to_string(at));
+    }
+    for (int folder = 0; folder < 10; ++folder) {
+        cameras_.folder("card/" + std::to_string(folder));
+    }
+    const mtp_device_h device = plug(lines);
+    for (const mtp_object_h folder : children(device, 0)) {
+        EXPECT_NE(list(device, folder), MTP_ERROR_NO_DEVICE);
+    }
+    EXPECT_EQ(cameras_.transactions("GetObjectHandles"), 1 + 2) << cameras_.log();
+    cameras_.pull("camera");
+    EXPECT_EQ(list(device), MTP_ERROR_NO_DEVICE);
+}
+
+TEST_F(MtpFaults, ACameraThatAnswersBetweenTwoThatItDoesNotIsNotLeftAlone) {
+    const mtp_device_h device = plug({"fault = stall GetThumb 1", "fault = stall GetThumb 3"});
+    for (const int code : {MTP_ERROR_IO, MTP_ERROR_NONE, MTP_ERROR_IO, MTP_ERROR_NONE}) {
+        EXPECT_EQ(mtp_get_thumbnail(device, kPicture, output().c_str()), code);
+    }
+}
+
 TEST_F(MtpFaults, ASlowCameraIsWaitedFor) {
     const mtp_device_h device = plug({"fault = slow any 0 2"});
     EXPECT_THAT(use(device), testing::Each(0));
