@@ -28,27 +28,18 @@ std::vector<mtp_storage_h> storages_of(mtp_device_h camera) {
     return take(ids, count);
 }
 
-std::vector<mtp_object_h> children(mtp_device_h camera, mtp_storage_h storage, mtp_object_h folder) {
-    mtp_object_h* objects = nullptr;
-    int count = 0;
-    check_camera("folder " + std::to_string(folder) + " cannot be listed",
-                 mtp_get_object_handles(camera, storage, MTP_FILETYPE_ALL, folder, &objects, &count));
-    return take(objects, count);
-}
-
-/// Walks folders; none twice, whatever the camera says lies in what.
+/// Walks folders; none twice, whatever the camera says lies in what. What vanishes meanwhile is left out.
 class Walk {
 public:
     Walk(mtp_device_h camera, bool recursive) : camera_(camera), recursive_(recursive) {}
 
     void add(mtp_storage_h storage, mtp_object_h folder, const std::string& path, int depth = 0) {
-        for (const mtp_object_h id : children(camera_, storage, folder)) {
+        for (const mtp_object_h id : children(storage, folder, depth > 0)) {
             if (interrupt::requested()) {
                 throw CommandError(ExitStatus::RequestFailed, "interrupted");
             }
             CameraObject object{id, folder, path, {}};
-            if (!seen_.insert(id).second ||
-                mtp_objectinfo_get_object_info(camera_, id, &object.info) != MTP_ERROR_NONE) {
+            if (!seen_.insert(id).second || !describe(object)) {
                 continue;
             }
             object.path += object.info.file_name;
@@ -62,6 +53,25 @@ public:
     std::vector<CameraObject> objects;
 
 private:
+    std::vector<mtp_object_h> children(mtp_storage_h storage, mtp_object_h folder, bool may_vanish) const {
+        mtp_object_h* list = nullptr;
+        int count = 0;
+        const int code = mtp_get_object_handles(camera_, storage, MTP_FILETYPE_ALL, folder, &list, &count);
+        if (!may_vanish || code != MTP_ERROR_NO_OBJECT) {
+            check_camera("folder " + std::to_string(folder) + " cannot be listed", code);
+        }
+        return take(list, count);
+    }
+
+    /// False if it is not there any more.
+    bool describe(CameraObject& object) const {
+        const int code = mtp_objectinfo_get_object_info(camera_, object.id, &object.info);
+        if (code != MTP_ERROR_NO_OBJECT) {
+            check_camera(std::to_string(object.id) + " cannot be described", code);
+        }
+        return code == MTP_ERROR_NONE;
+    }
+
     const mtp_device_h camera_;
     const bool recursive_;
     std::set<mtp_object_h> seen_;

@@ -92,6 +92,17 @@ class CameraListTest(CameraTest):
             "camera", "files", "--folder-id", str(everything["DCIM"]["id"]))])
         self.assertRegex(self.stdout("camera", "files", "--recursive"), r"(?m)^\d+  DCIM/sea.jpg  \d+ B  40x30  ")
 
+    def test_a_folder_that_vanishes_during_the_walk_is_left_out(self):
+        self.plug("fault = refuse GetObjectHandles 2 0x2009")
+        self.assertEqual(["DCIM", "film.mp4", "top.png"],
+                         [one["path"] for one in self.json_lines("camera", "files", "--recursive")])
+        self.assert_fails(FAILED, "folder 4711 cannot be listed: the camera has no such file",
+                          "camera", "files", "--folder-id", "4711")
+
+    def test_a_camera_that_is_pulled_during_the_walk_fails_it(self):
+        self.plug("fault = unplug GetObjectHandles 2")
+        self.assert_fails(FAILED, "the camera was pulled out", "camera", "files", "--recursive")
+
     def test_of_several_cameras_one_has_to_be_named(self):
         self.plug(name="first", device=5)
         self.plug(name="second", device=6)
