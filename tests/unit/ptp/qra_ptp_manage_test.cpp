@@ -479,7 +479,14 @@ TEST_F(PtpManage, LeavesNoTemporaryFileAfterAFailure) {
     EXPECT_FALSE(items.back().bIs360);
     EXPECT_TRUE(std::filesystem::is_empty(data_folder()));
     EXPECT_TRUE(log_.contains("mtp_get_partial_object failed : -7"));
-    EXPECT_TRUE(log_.contains("error: file open failed\n") || log_.contains("header is invalid.\n"));
+    EXPECT_TRUE(log_.contains("header is invalid.\n"));
+}
+
+TEST_F(PtpManage, LeavesAPicturePlainThatCannotBeFetched) {
+    fake_.before = [](const std::string& call, int) { return call == "get_object" ? -7 : 0; };
+    EXPECT_FALSE(tested("a.jpg", 14, noted_picture({"MM", 0x20000})).bIs360);
+    EXPECT_TRUE(log_.contains("mtp_get_partial_object failed : -7"));
+    EXPECT_TRUE(log_.contains("error: file open failed\n")) << log_.text();
 }
 
 TEST_F(PtpManage, LeavesMediaPlainWithoutAFolderForTemporaryFiles) {
