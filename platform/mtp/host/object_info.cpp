@@ -75,6 +75,7 @@ ObjectInfo object_info(const LIBMTP_file_struct& file, const Transport::Pixels& 
     info.there = true;
     info.name = file_name(file.filename);
     info.file_type = file_type(static_cast<int>(file.filetype), info.name);
+    info.storage = file.storage_id;
     info.size = info.file_type == MTP_FILETYPE_FOLDER ? 0 : file.filesize;
     info.width = in_range(pixels.width);
     info.height = in_range(pixels.height);

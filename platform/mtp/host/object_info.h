@@ -18,6 +18,7 @@ struct ObjectInfo {
     int width = 0;
     int height = 0;
     int modified_time = 0;
+    uint32_t storage = 0;
     uint64_t size = 0;
     std::string name;  ///< short enough for the contract
 };

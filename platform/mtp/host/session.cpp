@@ -157,7 +157,24 @@ void Session::learn(const LIBMTP_file_struct& file) {
     known = std::move(told);
 }
 
+/// Gives the storage that a folder lies on, where there are several: some devices refuse any other.
+int Session::find_storage(uint32_t folder, uint32_t& storage) {
+    const bool has_several = device_->storage != nullptr && device_->storage->next != nullptr;
+    if (folder == 0 || !has_several) {
+        return MTP_ERROR_NONE;
+    }
+    const ObjectInfo* info = nullptr;
+    const int code = this->info(folder, info);
+    if (code == MTP_ERROR_NONE) {
+        storage = info->storage;
+    }
+    return code;
+}
+
 int Session::children(uint32_t storage, uint32_t parent, std::vector<uint32_t>& objects) {
+    if (const int code = find_storage(parent, storage); code != MTP_ERROR_NONE) {
+        return code;
+    }
     File next(
         LIBMTP_Get_Files_And_Folders(device_, storage, parent != 0 ? parent : LIBMTP_FILES_AND_FOLDERS_ROOT));
     int code = error_of_failure(transport_.failure());

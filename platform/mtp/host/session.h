@@ -65,6 +65,7 @@ private:
     Session(LIBMTP_mtpdevice_struct* device, Transport& transport) : device_(device), transport_(transport) {}
     int error() const;
     int refused(uint32_t object);
+    int find_storage(uint32_t folder, uint32_t& storage);
     void learn(const LIBMTP_file_struct& file);
     int file_info(uint32_t object, const ObjectInfo*& info);
     int asked_range(uint32_t object, uint64_t offset, uint32_t length, std::vector<uint8_t>& bytes);

@@ -16,9 +16,9 @@
  *
  * Threads
  *  - Every function may be called from any thread at any time. Calls for one device wait for each other;
- * those for two devices do not. A call lasts as long as the device takes: a device that does not answer is
- * given up after the transport's time limit (20 seconds for each transaction). One that let two calls in a
- * row end so is asked nothing for 10 seconds: MTP_ERROR_IO at once.
+ * those for two devices do so only where both have to open a session. A call lasts as long as the device
+ * takes: a device that does not answer is given up after the transport's time limit (20 seconds for each
+ * transaction). One that let two calls in a row end so is asked nothing for 10 seconds: MTP_ERROR_IO at once.
  *
  * Errors
  *  - Every function returns 0 for success and a negative value of mtp_error_e for a failure. A null

@@ -218,6 +218,10 @@ Answer Responder::object_handles(const Command& command) const {
         (card_.find(parent) == nullptr || card_.find(parent)->format != format::kFolder)) {
         return refusal(response::kInvalidParent);
     }
+    // Some cameras are that strict.
+    if (parent != kRootParent && storage != kAllStorages && card_.find(parent)->storage != storage) {
+        return refusal(response::kInvalidParent);
+    }
     Dataset handles;
     return with_data(handles.u32_array(card_.children(storage, parent)));
 }

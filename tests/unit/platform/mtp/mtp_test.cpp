@@ -111,6 +111,23 @@ TEST_F(Mtp, TwoStoragesHaveTheirOwnRoots) {
     EXPECT_THAT(names(device, 0, kSecondStorage), ElementsAre("b.png"));
 }
 
+TEST_F(Mtp, AFolderIsAskedForOnItsOwnStorageWhicheverIsNamed) {
+    cameras_.write("inner/A", "a.jpg", "a");
+    cameras_.write("outer/B", "b.png", "b");
+    cameras_.plug("camera",
+                  {"storage = " + cameras_.folder("inner"), "storage = " + cameras_.folder("outer")});
+    const mtp_device_h device = only_device();
+    const mtp_object_h inner = children(device, 0, kFirstStorage).at(0);
+    const mtp_object_h outer = children(device, 0, kSecondStorage).at(0);
+    for (const mtp_storage_h storage : {kFirstStorage, kSecondStorage, mtp_storage_h{0}}) {
+        EXPECT_THAT(names(device, inner, storage), ElementsAre("a.jpg")) << storage;
+        EXPECT_THAT(names(device, outer, storage), ElementsAre("b.png")) << storage;
+    }
+    ASSERT_EQ(mtp_deinitialize(), 0);
+    ASSERT_EQ(mtp_initialize(), 0);
+    EXPECT_THAT(names(only_device(), outer, kFirstStorage), ElementsAre("b.png")) << "not described before";
+}
+
 TEST_F(Mtp, ACameraWithoutACardHasNoStorages) {
     cameras_.plug("camera", {});
     mtp_storage_h* ids = nullptr;
