@@ -12,6 +12,7 @@
 
 #include "common/util/qra_log.h"
 #include "common/util/qra_mutex.h"
+#include "libqra-agent/source/scsa/qra_dmp_xml_check.h"
 
 namespace {
 
@@ -37,7 +38,7 @@ void KeepSilent(void*, xmlErrorPtr) {}
 CReaderPtr OpenDocument(std::string& strXML) {
     strXML.erase(strXML.find_last_not_of('\0') + 1);
     CReaderPtr reader(nullptr, &xmlFreeTextReader);
-    if (strXML.size() <= INT_MAX) {
+    if (strXML.size() <= INT_MAX && IsReadableInTime(strXML)) {
         reader.reset(xmlReaderForMemory(strXML.data(), static_cast<int>(strXML.size()), "", nullptr,
                                         XML_PARSE_RECOVER));
     }
@@ -175,10 +176,16 @@ void ReadImageElement(xmlTextReaderPtr reader, const TextElement<_stDMPMetadata_
 }
 
 /// Names in a package's list have their colons escaped.
-void EscapeColons(std::string& strName) {
-    for (size_t nAt = strName.find(':'); nAt != std::string::npos; nAt = strName.find(':', nAt)) {
-        strName.replace(nAt, 1, "%3A");
+std::string EscapeColons(const std::string& strName) {
+    std::string strEscaped;
+    for (const char c : strName) {
+        if (c == ':') {
+            strEscaped += "%3A";
+        } else {
+            strEscaped += c;
+        }
     }
+    return strEscaped;
 }
 
 }  // namespace
@@ -304,7 +311,7 @@ bool CQRADmpParseXml::m_ReadTableOfContents(std::string strXML, std::string& str
         QRA_LOG_WARNING(QRA_TAG_DMP, "CQRADmpParseXml: Fail to Parse XML = [%d]", nResult);
         return false;
     }
-    EscapeColons(strName);
+    strName = EscapeColons(strName);
     return true;
 }
 

@@ -10,8 +10,9 @@ struct _xmlTextReader;
 
 /**
  * Reads the XML of a package, which comes from a drive and may be anything: no entity is expanded, nothing is
- * fetched, and libxml2's own limits bound depth and size. Elements count by their local names alone; what a
- * document does not have leaves its field as it was. NULs at the end of a text are cut.
+ * fetched, libxml2's own limits bound depth and size, and a text that would take it too long
+ * (IsReadableInTime()) is none. Elements count by their local names alone; what a document does not have
+ * leaves its field as it was. NULs at the end of a text are cut.
  *
  * No state of its own. Each call ends with xmlCleanupParser(), which takes libxml2's global state from under
  * every parse that runs on another thread, so that the process crashes. Therefore one lock, held through each

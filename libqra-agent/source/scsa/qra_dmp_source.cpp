@@ -16,6 +16,21 @@ using SCSA_DMP::MetaDataExtractor;
 
 constexpr std::string_view STAND_ALONE_EXTENSIONS[] = {"uvu", "uva", "uvt", "scsa"};
 
+/// All XML of one package's films together, and that of its description. What it tells is kept, and may take
+/// twenty times its room.
+constexpr size_t MOST_XML = 16 << 20;
+
+/// Takes the size of a text off what is left for its package; false, with a log line, if that is not enough.
+bool TakeRoom(const std::string& strXML, size_t& nLeft) {
+    if (strXML.size() > nLeft) {
+        QRA_LOG_WARNING(QRA_TAG_DMP, "DmpSource: the XML is too large, size = [%llu]",
+                        static_cast<unsigned long long>(strXML.size()));
+        return false;
+    }
+    nLeft -= strXML.size();
+    return true;
+}
+
 /// A content as its XML tells it, its pictures lying in the file `strLocation`.
 _stDMPMETADATA MakeSFFContent(const std::string& strXML, const std::string& strLocation) {
     _stDMPMETADATA content;
@@ -125,6 +140,10 @@ bool CQRADmpSource::m_GetMeteData(std::vector<std::string>& vEmbeddedFileList) {
         QRA_LOG_WARNING(QRA_TAG_DMP, "DmpSource: GetMetaData has failed");
         return false;
     }
+    size_t nLeft = MOST_XML;
+    if (!TakeRoom(strMetadata, nLeft)) {
+        return false;
+    }
     std::vector<_stDMPMETADATA> contents(1);
     _stDMPMETADATA& content = contents.front();
     CQRADmpParseXml().ParseDMPMetaData(strMetadata, content);
@@ -150,10 +169,11 @@ bool CQRADmpSource::m_MakeMetadataFromSFF(const std::vector<std::string>& vEmbed
     QRA_LOG_TRACE(QRA_TAG_DMP, "DmpSource: m_strCurFilePath = [%s], vEmbeddedFileList.size() = [%d]",
                   m_strCurFilePath.c_str(), static_cast<int>(vEmbeddedFileList.size()));
     std::vector<_stDMPMETADATA> contents;
+    size_t nLeft = MOST_XML;
     for (const std::string& strEntry : vEmbeddedFileList) {
         std::string strXML;
         if (MetaDataExtractor::GetFileType(strEntry) == SCSA_DMP::FILE_TYPE_SFF &&
-            MetaDataExtractor::GetXMLFromSFF(m_strCurFilePath, strEntry, strXML)) {
+            MetaDataExtractor::GetXMLFromSFF(m_strCurFilePath, strEntry, strXML) && TakeRoom(strXML, nLeft)) {
             contents.push_back(MakeSFFContent(strXML, strEntry));
         }
     }
@@ -170,7 +190,8 @@ bool CQRADmpSource::m_MakeMetadataFromSFF(const std::vector<std::string>& vEmbed
 
 bool CQRADmpSource::m_MakeMetadataFromSFF() {
     std::string strXML;
-    if (!MetaDataExtractor::GetXMLFromSFF(m_strCurFilePath, "", strXML)) {
+    size_t nLeft = MOST_XML;
+    if (!MetaDataExtractor::GetXMLFromSFF(m_strCurFilePath, "", strXML) || !TakeRoom(strXML, nLeft)) {
         return false;
     }
     std::vector<_stDMPMETADATA> contents(1, MakeSFFContent(strXML, m_strCurFilePath));

@@ -321,6 +321,55 @@ TEST_F(CQRADmpParseXmlTest, ElementsNestedWithoutEndAreGivenUp) {
     EXPECT_TRUE(log.contains("CQRADmpParseXml: Fail to Parse XML"));
 }
 
+TEST_F(CQRADmpParseXmlTest, AnElementWithAttributesWithoutEndIsNoXml) {
+    std::string attributes;
+    std::string namespaces;
+    for (int i = 0; i < 200000; ++i) {
+        attributes += " a" + std::to_string(i) + "='>'";
+        namespaces += "<x xmlns='u'/>";
+    }
+    const std::string blanks(40000, ' ');
+    const std::string list = "<!DOCTYPE m [<!ATTLIST m" + std::string(" a CDATA ''", 11) + ">]>";
+    std::string wide;
+    for (const char c : "<m a=''>" + blanks + "</m>") {
+        wide += {c, '\0'};
+    }
+    const std::pair<const char*, std::string> texts[] = {
+        {"attributes", "<m" + attributes + "/>"},
+        {"in the middle", "<m><!-- \" --><b \"><b" + attributes + "/></m>"},
+        {"namespaces", "<m>" + namespaces + "</m>"},
+        {"a document type", list + "<m>" + blanks + "</m>"},
+        {"two bytes a letter", wide},
+        {"letters in disguise", "<?xml version='1.0' encoding='UTF-7'?><m>" + blanks + "</m>"},
+        {"a quote that does not end", "<?xml version='1.0 encoding=?><m>" + blanks + "</m>"},
+        {"a declaration that does not end", "<?xml version='1.0'><m>" + blanks + "</m>"}};
+    for (const auto& [why, text] : texts) {
+        const auto refused = log.count("CQRADmpParseXml: XML String from DMP is not xml !!!");
+        EXPECT_EQ(parse(text).images.size(), 0u);
+        EXPECT_FALSE(result) << why;
+        EXPECT_EQ(pick(text, {"a"}), -8) << why;
+        EXPECT_EQ(log.count("CQRADmpParseXml: XML String from DMP is not xml !!!"), refused + 2) << why;
+    }
+}
+
+TEST_F(CQRADmpParseXmlTest, ALongDocumentIsReadWhole) {
+    const std::string signs = "a=\"b\"='c'=" + std::string(100000, '=');
+    std::string body = "<m:Set xmlns:m='u'><ContentMetadata><Summary4000>" + signs +
+                       "</Summary4000></ContentMetadata><Chapters>";
+    for (int i = 0; i < 3000; ++i) {
+        body += "<Chapter id=\"1>2\" of='x'><Width>" + std::to_string(i) + "</Width></Chapter>";
+    }
+    body += "</Chapters></m:Set>";
+    for (const std::string begin :
+         {"", "\xEF\xBB\xBF", "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone='yes'?>",
+          "<?xml version='1.0' encoding='iso-8859-1'?>", "<?xml-stylesheet href='style'?>"}) {
+        const auto data = parse(begin + body);
+        EXPECT_EQ(data.common.strSummary4000, signs) << begin;
+        ASSERT_EQ(data.images.size(), 3000u) << begin;
+        EXPECT_EQ(data.images.back().nWidth, 2999) << begin;
+    }
+}
+
 TEST_F(CQRADmpParseXmlTest, NothingIsWrittenToTheStandardError) {
     testing::internal::CaptureStderr();
     parse("<m><a></b></m>");
@@ -336,6 +385,14 @@ TEST_F(CQRADmpParseXmlTest, ATableOfContentsPicksTheEntryThatHoldsTheName) {
     EXPECT_TRUE(log.contains("> "));
     EXPECT_TRUE(log.contains("DescriptiveMetadata = [urn%3Aa%3Ab]"));
     EXPECT_TRUE(log.contains("TableOfContents strXML : \n" + table_naming("/urn:a:b") + "\n"));
+}
+
+TEST_F(CQRADmpParseXmlTest, MillionsOfColonsAreEscapedAtOnce) {
+    const size_t count = 2000000;
+    std::string path;
+    EXPECT_TRUE(CQRADmpParseXml().ParseDMPTableOfContents(table_naming(std::string(count, ':')), path));
+    EXPECT_EQ(path.size(), 3 * count);
+    EXPECT_EQ(path.substr(0, 9), "%3A%3A%3A");
 }
 
 TEST_F(CQRADmpParseXmlTest, OnlyOneLeadingSlashIsDropped) {

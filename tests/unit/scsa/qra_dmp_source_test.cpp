@@ -121,6 +121,23 @@ TEST_F(CQRADmpSourceTest, APackageIsReadOnce) {
     EXPECT_EQ(text("TITLE_19"), "Film 19");
 }
 
+TEST_F(CQRADmpSourceTest, APackageTellsNoMoreThanSixteenMegabytes) {
+    const std::string blanks(9 << 20, ' ');
+    fake_extractor::packages["/f.uvu"].sff_xml[""] = metadata_xml("Film") + blanks + blanks;
+    EXPECT_FALSE(source.MoveToIndex("/f.uvu"));
+    EXPECT_EQ(contents("/f.uvu"), 0);
+    EXPECT_TRUE(log.contains("DmpSource: the XML is too large"));
+    fake_extractor::types["three.uvu"] = 0;
+    fake_extractor::Package& package = add_container("/c.zip", {"one.uvu", "two.uvu", "three.uvu"});
+    package.xml["meta.xml"] += blanks + blanks;
+    package.sff_xml["one.uvu"] += blanks;
+    package.sff_xml["two.uvu"] += blanks;
+    package.sff_xml["three.uvu"] = metadata_xml("Three");
+    EXPECT_TRUE(source.MoveToIndex("/c.zip"));
+    EXPECT_EQ(contents("/c.zip"), 2) << "the first film and the third, which is small";
+    EXPECT_EQ(text("TITLE_19"), "One 19");
+}
+
 TEST_F(CQRADmpSourceTest, APackageThatCannotBeReadIsTriedAgain) {
     EXPECT_FALSE(source.MoveToIndex("/f.uvu"));
     EXPECT_FALSE(source.MoveToIndex("/f.uvu"));

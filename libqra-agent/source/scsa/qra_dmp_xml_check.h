@@ -1,0 +1,17 @@
+#ifndef QRA_LIBQRA_AGENT_SOURCE_SCSA_QRA_DMP_XML_CHECK_H
+#define QRA_LIBQRA_AGENT_SOURCE_SCSA_QRA_DMP_XML_CHECK_H
+
+#include <string_view>
+
+/**
+ * Whether libxml2 can read a text in a time that grows with its size alone. With the number of attributes of
+ * one element its time grows by the square: half a megabyte of them takes it many seconds, and a package may
+ * bring a hundred times that.
+ *
+ * True for any text of up to 32 KB. A longer one must be in UTF-8 or another encoding that can be looked
+ * through as it is, without a document type, which could add attributes to every element, with at most 256
+ * attributes in an element and 1,024 declarations of namespaces.
+ */
+bool IsReadableInTime(std::string_view text);
+
+#endif
