@@ -8,6 +8,7 @@
 namespace {
 
 constexpr size_t SHORT_TEXT = 32 << 10;
+constexpr size_t LONGEST_TAG = SHORT_TEXT;
 constexpr int MOST_ATTRIBUTES = 256;
 constexpr int MOST_NAMESPACES = 1024;
 
@@ -61,29 +62,33 @@ bool IsEncodingPlain(std::string_view text) {
     return nEnd != std::string_view::npos && IsDeclarationPlain(text.substr(0, nEnd));
 }
 
-/// The number of attributes of the element that begins in front of `text`, or more.
-int CountAttributes(std::string_view text) {
-    int nCount = 0;
+/// Whether the tag that begins in front of `text` ends soon and has few attributes, if it is one.
+bool IsTagSmall(std::string_view text) {
+    if (!text.empty() && (text.front() == '!' || text.front() == '?')) {
+        return true;
+    }
+    const std::string_view tag = text.substr(0, LONGEST_TAG);
+    int nAttributes = 0;
     char cQuote = '\0';
-    for (const char c : text) {
+    for (const char c : tag) {
         if (cQuote != '\0') {
             cQuote = c == cQuote ? '\0' : cQuote;
         } else if (c == '"' || c == '\'') {
             cQuote = c;
         } else if (c == '>') {
-            break;
-        } else if (c == '=') {
-            ++nCount;
+            return true;
+        } else if (c == '=' && ++nAttributes > MOST_ATTRIBUTES) {
+            return false;
         }
     }
-    return nCount;
+    return tag.size() == text.size();
 }
 
-/// An element has no "<" in it, not even in its attributes: what lies between two of them is seen alone.
-bool HasFewAttributes(std::string_view text) {
+/// A tag has no "<" in it, not even in its attributes: what lies between two of them is seen alone.
+bool AreTagsSmall(std::string_view text) {
     for (size_t nAt = text.find('<'); nAt != std::string_view::npos;) {
         const size_t nNext = text.find('<', nAt + 1);
-        if (CountAttributes(text.substr(nAt + 1, nNext - nAt - 1)) > MOST_ATTRIBUTES) {
+        if (!IsTagSmall(text.substr(nAt + 1, nNext - nAt - 1))) {
             return false;
         }
         nAt = nNext;
@@ -105,6 +110,6 @@ bool HasFewNamespaces(std::string_view text) {
 
 bool IsReadableInTime(std::string_view text) {
     return text.size() <= SHORT_TEXT ||
-           (IsEncodingPlain(text) && text.find("<!DOCTYPE") == std::string_view::npos &&
-            HasFewAttributes(text) && HasFewNamespaces(text));
+           (IsEncodingPlain(text) && text.find("<!DOCTYPE") == std::string_view::npos && AreTagsSmall(text) &&
+            HasFewNamespaces(text));
 }

@@ -337,6 +337,7 @@ TEST_F(CQRADmpParseXmlTest, AnElementWithAttributesWithoutEndIsNoXml) {
     const std::pair<const char*, std::string> texts[] = {
         {"attributes", "<m" + attributes + "/>"},
         {"in the middle", "<m><!-- \" --><b \"><b" + attributes + "/></m>"},
+        {"a long tag", "<m a='>" + blanks + "'/>"},
         {"namespaces", "<m>" + namespaces + "</m>"},
         {"a document type", list + "<m>" + blanks + "</m>"},
         {"two bytes a letter", wide},
@@ -359,6 +360,7 @@ TEST_F(CQRADmpParseXmlTest, ALongDocumentIsReadWhole) {
     for (int i = 0; i < 3000; ++i) {
         body += "<Chapter id=\"1>2\" of='x'><Width>" + std::to_string(i) + "</Width></Chapter>";
     }
+    body += "<!--" + signs + "--><![CDATA[" + signs + "]]>";
     body += "</Chapters></m:Set>";
     for (const std::string begin :
          {"", "\xEF\xBB\xBF", "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone='yes'?>",
