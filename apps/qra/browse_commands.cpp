@@ -50,6 +50,9 @@ void print_json_tiles(ListRequest& request, const TileRange& range, UnreadTiles&
 
 /// What is listed, for a person.
 std::string heading(const CommandLine& line, const ListRequest& request) {
+    if (line.list.source == kServerSource) {
+        return printable_text(line.path + ", folder " + line.list.folder_id) + "  " + summary(request);
+    }
     if (line.list.source != kCameraSource) {
         return printable_text(line.path) + "  " + summary(request);
     }

@@ -6,6 +6,9 @@
 Browsing::Browsing(const CommandLine& line) : path_(prepare(line)), request_(line.list, path_) {}
 
 std::string Browsing::prepare(const CommandLine& line) {
+    if (line.list.source == kServerSource) {
+        return network_.emplace().find(line.path);
+    }
     if (line.list.source != kCameraSource) {
         engine_.emplace();
     }

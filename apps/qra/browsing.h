@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "apps/qra/dlna_service.h"
 #include "apps/qra/engine_access.h"
 #include "apps/qra/list_request.h"
 #include "apps/qra/media_drives.h"
@@ -25,7 +26,8 @@ private:
     std::string prepare(const CommandLine& line);
     std::string prepare_drive(const CommandLine& line);
 
-    std::optional<EngineAccess> engine_;  ///< cameras need none
+    std::optional<EngineAccess> engine_;  ///< cameras and media servers need none
+    std::optional<DlnaService> network_;  ///< there for media servers only
     std::optional<MediaDrives> drives_;
     std::string path_;
     ListRequest request_;

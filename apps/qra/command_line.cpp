@@ -16,6 +16,7 @@ constexpr int kMostRowsOrColumns = 1000;
 constexpr int kLongestTimeout = 86400;
 constexpr const char* kPicturesInARow = "CATEGORY-TITLE";
 constexpr const char* kTopFolder = "0";
+constexpr const char* kServerTop = "/";
 constexpr int kLargestUsbNumber = 255;
 
 /// The built-in lists of the library, and what cameras and phones make today besides. Packaged films have no
@@ -203,6 +204,9 @@ void check_camera_list(const CLI::App& command, ListOptions& list) {
             throw CLI::RequiredError(option);
         }
     }
+    if (list.folder_id.find_first_not_of("0123456789") != std::string::npos) {
+        throw CLI::ValidationError("--folder-id", "a camera's folder is a number");
+    }
     refuse(command, {"PATH", "--plugin", "--timeout", "--keyword", "--uhd", "--no-scan"},
            "not for lists of cameras");
     const std::string folder_view = ListOptions().sort_category;
@@ -215,12 +219,57 @@ void check_camera_list(const CLI::App& command, ListOptions& list) {
     }
 }
 
+/// What a view of a media server has: folders and media, media under the headers of their groups, or nothing
+/// but groups.
+int server_mask(const std::string& sort_category) {
+    for (const char* view : {"CATEGORY-ARTIST", "CATEGORY-ALBUM", "CATEGORY-GENRE"}) {
+        if (sort_category == view) {
+            return kGroupHeaders;
+        }
+    }
+    for (const char* view : {"CATEGORY-TITLE", "CATEGORY-TRACK", "CATEGORY-DATE"}) {
+        if (sort_category == view) {
+            return kGroupHeaders | kMedia;
+        }
+    }
+    return kFoldersAndMedia;
+}
+
+/// A folder of a media server, or without one the whole server in the order of the sort category.
+void prepare_server_list(const CLI::App& command, ListOptions& list) {
+    const std::string folder_views = "CATEGORY-FOLDER";
+    const bool of_folder = list.sort_category.rfind(folder_views, 0) == 0;
+    if (list.folder_id.empty()) {
+        list.folder_id = kServerTop;
+    }
+    const bool below = list.folder_id != kServerTop;
+    if (command.get_option_no_throw("--mask") == nullptr || command.count("--mask") == 0) {
+        list.mask = below && !of_folder ? kMedia : server_mask(list.sort_category);
+    }
+    // Such a list has no groups, and the library shows it as the first one.
+    if (below && !of_folder && list.group < 0) {
+        list.group = 0;
+    }
+}
+
+void check_server_list(const CLI::App& command, ListOptions& list) {
+    if (command.count("PATH") == 0) {
+        throw CLI::RequiredError("PATH");
+    }
+    refuse(command, {"--plugin", "--timeout", "--uhd", "--no-scan", "--bus", "--device"},
+           "not for lists of media servers");
+    prepare_server_list(command, list);
+}
+
 /// Which options a list takes depends on where it comes from.
 void check_list(const CLI::App& command, CommandLine& line) {
     if (line.list.source == kCameraSource) {
         return check_camera_list(command, line.list);
     }
-    refuse(command, {"--bus", "--device", "--folder-id"}, "only for lists of cameras");
+    if (line.list.source == kServerSource) {
+        return check_server_list(command, line.list);
+    }
+    refuse(command, {"--bus", "--device", "--folder-id"}, "only for lists of cameras and media servers");
     is_source_of_this_machine(line.list.source) ? check_local_list(command)
                                                 : check_remote_list(command, line);
 }
@@ -237,19 +286,18 @@ void add_camera_options(CLI::App& command, ListOptions& list) {
         ->check(CLI::Range(0, INT_MAX));
     command.add_option("--device", list.device, "The camera's device number on its bus")
         ->check(CLI::Range(0, INT_MAX));
-    command
-        .add_option(
-            "--folder-id", list.folder_id,
-            "The ID_QRA of a folder of the camera, 0 for the top; without it all pictures of the camera "
-            "in a row")
-        ->check(CLI::Range(0, INT_MAX));
+    command.add_option("--folder-id", list.folder_id,
+                       "The ID_QRA of a folder of a camera (0 for the top) or of a media server (/ for the "
+                       "top); without it all pictures of the camera in a row, or the whole server");
 }
 
 void add_list_command(CLI::App& app, CommandLine& line) {
     CLI::App* list = app.add_subcommand("list", "Show a folder as pages of tiles");
-    list->add_option("PATH", line.path,
-                     "The folder; one that lies on no drive is attached first. In an account: the ID_QRA of "
-                     "a folder, without it the account's top");
+    list->add_option(
+        "PATH,--path", line.path,
+        "The folder; one that lies on no drive is attached first. In an account: the ID_QRA of "
+        "a folder, without it the account's top. For --source SOURCE_DLNA: the id or the name of "
+        "a media server");
     add_request_options(*list, line);
     list->add_option("--plugin", line.account.name, "The account, for --source CloudSource");
     add_cloud_timeout(*list, line);
@@ -308,10 +356,9 @@ constexpr const char* kChoices =
     "MEDIA_TYPE=2).\n"
     "The other options choose the list, as for `qra list`.\n\n";
 
-void add_job_options(CLI::App& command, CommandLine& line) {
-    add_path(command, line);
-    add_request_options(command, line);
-    const auto add_choices = [&line](const std::string& text) {
+/// What parses "3-7,12" for a job.
+auto choice_reader(CommandLine& line) {
+    return [&line](const std::string& text) {
         try {
             for (TileChoice& choice : parse_tile_choices(text)) {
                 line.job.choices.push_back(std::move(choice));
@@ -320,8 +367,13 @@ void add_job_options(CLI::App& command, CommandLine& line) {
             throw CLI::ValidationError("--select", error.what());
         }
     };
+}
+
+void add_job_options(CLI::App& command, CommandLine& line) {
+    add_path(command, line);
+    add_request_options(command, line);
     command
-        .add_option_function<std::string>("--select", add_choices,
+        .add_option_function<std::string>("--select", choice_reader(line),
                                           "The tiles, such as 3-7,12; may be repeated")
         ->required()
         ->trigger_on_parse();
@@ -492,6 +544,63 @@ void add_account_commands(CLI::App& app, CommandLine& line) {
     CLI::App* remove = account->add_subcommand("remove", "Forget an account and its password");
     remove->add_option("NAME", line.account.name, "The account")->required();
     remove->callback([&line] { line.command = run_account_remove; });
+}
+
+/// A command on a list of a media server.
+CLI::App* add_server_command(CLI::App& dlna, CommandLine& line, const char* name, const char* help,
+                             Command command) {
+    CLI::App* added = dlna.add_subcommand(name, help);
+    added->add_option("SERVER", line.path, "Its id or its name")->required();
+    added->add_option("--folder-id", line.list.folder_id,
+                      "The ID_QRA of a folder, / for the top; without it the whole server");
+    added->add_option("--sort", line.list.sort_category, "Sort category of the list")->capture_default_str();
+    added->add_option("--content", line.list.content_type, "Content type of the list")->capture_default_str();
+    added->add_option("--keyword", line.list.keyword, "What CATEGORY-KEYWORD-SEARCH looks for");
+    added->add_flag("--json", line.json, "JSON objects, one on a line");
+    added->callback([&line, added, command] {
+        line.list.source = kServerSource;
+        prepare_server_list(*added, line.list);
+        line.command = command;
+    });
+    return added;
+}
+
+void add_dlna_commands(CLI::App& app, CommandLine& line) {
+    CLI::App* dlna =
+        app.add_subcommand("dlna", "Media servers of the home network: find, fetch, send, resume");
+    dlna->require_subcommand(1);
+    dlna->footer(std::string(kChoices) + kFooter);
+
+    CLI::App* servers = dlna->add_subcommand("servers", "Show the media servers that are there");
+    servers->add_flag("--watch", line.devices.watch, "Then show what comes and goes, until Ctrl-C");
+    servers->add_flag("--json", line.json, "One JSON object for each server or event, one on a line");
+    servers->callback([&line] { line.command = run_dlna_servers; });
+
+    CLI::App* get = add_server_command(*dlna, line, "get", "Fetch chosen tiles of a list", run_dlna_get);
+    get->add_option_function<std::string>("--select", choice_reader(line),
+                                          "The tiles, such as 3-7,12; may be repeated")
+        ->required()
+        ->trigger_on_parse();
+    get->add_option("--to", line.job.target, "The folder where the files go")->required();
+    get->add_flag("--overwrite", line.dlna.overwrite, "Replace files that are there already");
+
+    CLI::App* put = dlna->add_subcommand("put", "Send files, or what comes through a FIFO");
+    put->add_option("SERVER", line.path, "Its id or its name")->required();
+    put->add_option("FILE", line.dlna.files, "The files")->required();
+    put->add_option("--as", line.dlna.name, "The file name that a FIFO's content gets");
+    put->add_flag("--json", line.json, "One JSON object for each event, one on a line");
+    put->callback([&line] {
+        if (!line.dlna.name.empty() && line.dlna.files.size() > 1) {
+            throw CLI::ValidationError("--as", "is for one file");
+        }
+        line.command = run_dlna_put;
+    });
+
+    CLI::App* bookmark = add_server_command(
+        *dlna, line, "bookmark", "Print where a tile of a list was left, in seconds", run_dlna_bookmark);
+    bookmark->add_option("INDEX", line.index, "List index of the tile")->required();
+    bookmark->add_option("--set", line.dlna.seconds, "Keep this position first; 0 forgets it")
+        ->check(CLI::Range(0, INT_MAX));
 }
 
 }  // namespace

@@ -60,10 +60,18 @@ struct CameraOptions {
     std::string target = ".";  ///< get, thumb: --to
 };
 
+/// What is to be done with a media server.
+struct DlnaOptions {
+    bool overwrite = false;          ///< get
+    std::vector<std::string> files;  ///< put
+    std::string name;                ///< put: how the server is to call it
+    std::optional<int> seconds;      ///< bookmark: to be set
+};
+
 /// What the user asked for. Each command uses the fields that its options fill.
 struct CommandLine {
     Command command = nullptr;
-    std::string path;  ///< attach, scan, list, get, copy, delete, check-device, thumbs; list: a container
+    std::string path;        ///< a folder; list: a container or a media server too; dlna: a media server
     std::string drive_name;  ///< attach --as, detach
     bool recursive = false;
     bool json = false;

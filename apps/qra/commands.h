@@ -36,5 +36,9 @@ void run_playlist_delete(const CommandLine& line);
 void run_playlist_check(const CommandLine& line);
 void run_playlist_export(const CommandLine& line);
 void run_playlist_import(const CommandLine& line);
+void run_dlna_servers(const CommandLine& line);
+void run_dlna_get(const CommandLine& line);
+void run_dlna_put(const CommandLine& line);
+void run_dlna_bookmark(const CommandLine& line);
 
 #endif

@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr int kGroupHeaders = 0x08;
-
 GeneralParam list_param(const ListOptions& options, const std::string& path) {
     GeneralParam param = general_param({
         {qra_param_set_general_source, options.source},
@@ -34,7 +32,7 @@ GeneralParam list_param(const ListOptions& options, const std::string& path) {
 }  // namespace
 
 bool is_source_of_this_machine(const std::string& source) {
-    constexpr std::string_view kSources[] = {"SOURCE_MSC", kCameraSource, "SOURCE_DLNA", "SOURCE_PLAYLIST"};
+    constexpr std::string_view kSources[] = {"SOURCE_MSC", kCameraSource, kServerSource, "SOURCE_PLAYLIST"};
     return std::find(std::begin(kSources), std::end(kSources), source) != std::end(kSources);
 }
 
@@ -42,6 +40,9 @@ ListRequest::ListRequest(const ListOptions& options, const std::string& path) {
     try {
         send(options, path);
         const qra_event_e event = wait_for_answer();
+        if (event == QRA_EVENT_DLNA_ITEM_NOT_EXIST) {
+            throw CommandError(ExitStatus::RequestFailed, "the server has no such folder");
+        }
         if (event == QRA_EVENT_LIST_FAILED) {
             throw CommandError(ExitStatus::RequestFailed,
                                "the list request failed (QRA_LOG=warning tells why)");

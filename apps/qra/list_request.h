@@ -18,7 +18,7 @@ struct ListOptions {
     bool uhd = false;
     int bus = 0;            ///< of a camera
     int device = 0;         ///< of a camera
-    std::string folder_id;  ///< of a camera's folder
+    std::string folder_id;  ///< of a camera's or a media server's folder
     int mask = 0x26;        ///< folders, media, and the up-folder tile
     qra_page_order_e order = QRA_PAGE_ORDER_COLUMN;
     int group = -1;
@@ -29,12 +29,16 @@ struct ListOptions {
 /// What a page shows, as its mask tells.
 inline constexpr int kMedia = 0x04;
 inline constexpr int kFoldersAndMedia = 0x06;
+inline constexpr int kGroupHeaders = 0x08;
 
 /// The source of the content engine's accounts.
 inline constexpr const char* kCloudSource = "CloudSource";
 
 /// The source of cameras and phones.
 inline constexpr const char* kCameraSource = "SOURCE_PTP";
+
+/// The source of media servers.
+inline constexpr const char* kServerSource = "SOURCE_DLNA";
 
 /// All other sources are the content engine's.
 bool is_source_of_this_machine(const std::string& source);

@@ -1,0 +1,181 @@
+#!/usr/bin/env python3
+"""Usage: cli_dlna_test.py QRA SERVER [TEST...]
+
+The tool's commands on media servers, against a server of this machine in a network of its own.
+"""
+import json
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+QRA, SERVER = sys.argv.pop(1), sys.argv.pop(1)
+SUCCESS, USAGE, FAILED = 0, 1, 2
+PATIENCE = 60
+
+
+class Server:
+    """A media server that ends with the object."""
+
+    def __init__(self, *options):
+        self.process = subprocess.Popen([SERVER, *options], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        self.process.stdout.readline()
+
+    def tell(self, command):
+        self.process.stdin.write(command + "\n")
+        self.process.stdin.flush()
+        answer = self.process.stdout.readline()
+        assert answer.startswith("ok"), f"{command}: {answer}"
+        return answer[2:].strip()
+
+    def end(self):
+        self.process.stdin.close()
+        self.process.wait(PATIENCE)
+        self.process.stdout.close()
+
+
+@unittest.skipUnless(os.environ.get("QRA_OWN_NETWORK"), "the system gives no network of its own")
+class DlnaTest(unittest.TestCase):
+    def setUp(self):
+        self.directory = Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.directory)
+        self.environment = {**os.environ, "XDG_DATA_HOME": str(self.directory / "data"),
+                            "QRA_DATA_DIR": str(self.directory / "data"),
+                            "QRA_APP_DIR": str(self.directory / "app")}
+        self.server = Server("--name=Attic")
+        self.addCleanup(self.server.end)
+
+    def qra(self, *arguments, status=SUCCESS):
+        result = subprocess.run([QRA, *map(str, arguments)], capture_output=True, text=True, env=self.environment,
+                                timeout=PATIENCE)
+        self.assertEqual(result.returncode, status, result.stdout + result.stderr)
+        return result
+
+    def tiles(self, *arguments):
+        output = self.qra("list", "--source", "SOURCE_DLNA", "--path", "Attic", "--json", *arguments).stdout
+        return [json.loads(line) for line in output.splitlines()]
+
+    def events(self, *arguments, status=SUCCESS):
+        return [json.loads(line) for line in self.qra(*arguments, "--json", status=status).stdout.splitlines()]
+
+
+class ListTest(DlnaTest):
+    def test_servers_are_shown_with_name_and_id(self):
+        server, = self.events("dlna", "servers")
+        self.assertEqual(server["name"], "Attic")
+        self.assertEqual(server["address"], "127.0.0.1")
+        self.assertTrue(server["id"].startswith("uuid:"))
+        self.assertIn("Attic", self.qra("dlna", "servers").stdout)
+
+    def test_servers_are_watched_as_they_come_and_go(self):
+        watching = subprocess.Popen([QRA, "dlna", "servers", "--watch", "--json"], stdout=subprocess.PIPE, text=True,
+                                    env=self.environment)
+        self.assertEqual(json.loads(watching.stdout.readline())["event"], "present")
+        second = Server("--name=Cellar", "--id=uuid:5f0c7a10-0000-4000-8000-000000000077")
+        came = json.loads(watching.stdout.readline())
+        second.end()
+        went = json.loads(watching.stdout.readline())
+        watching.send_signal(signal.SIGTERM)
+        self.assertEqual(watching.wait(PATIENCE), SUCCESS)
+        watching.stdout.close()
+        self.assertEqual((came["event"], came["name"]), ("attached", "Cellar"))
+        self.assertEqual((went["event"], went["name"]), ("detached", "Cellar"))
+
+    def test_a_folder_is_listed_by_name_or_id_of_its_server(self):
+        self.server.tell("generate films video 250")
+        top = self.tiles("--mask", "6")
+        self.assertIn("films", [tile["ID_QRA"] for tile in top])
+        films = self.tiles("--folder-id", "films", "--mask", "6")
+        self.assertEqual([tile["ID_QRA"] for tile in films], [f"films-{i}" for i in range(250)])
+        self.assertTrue(all(tile["URL"].startswith("http://") for tile in films))
+        server, = self.events("dlna", "servers")
+        by_id = self.qra("list", "--source", "SOURCE_DLNA", "--path", server["id"], "--folder-id", "films").stdout
+        self.assertIn("250 videos", by_id)
+
+    def test_every_view_of_a_server_that_can_search_shows_its_content(self):
+        self.server.tell("generate songs music 12")
+        self.server.tell("generate photos image 12")
+        self.server.tell("generate films video 12")
+        for sort in ("ARTIST", "ALBUM", "GENRE"):
+            groups = self.tiles("--content", "CONTENT-MUSIC", "--sort", "CATEGORY-" + sort)
+            self.assertTrue(groups, sort)
+            self.assertEqual({tile["MEDIA_TYPE"] for tile in groups}, {9}, sort)
+            self.assertEqual(sum(tile["GROUP_ITEM_COUNT"] for tile in groups), 12, sort)
+        for content, kind, sorts in (("MUSIC", 5, ("TRACK",)), ("IMAGE", 2, ("TITLE", "DATE")),
+                                     ("VIDEO", 3, ("TITLE", "DATE"))):
+            for sort in sorts:
+                tiles = self.tiles("--content", "CONTENT-" + content, "--sort", "CATEGORY-" + sort)
+                media = [tile for tile in tiles if tile["MEDIA_TYPE"] == kind]
+                headers = [tile for tile in tiles if tile["MEDIA_TYPE"] == 9]
+                self.assertEqual(len(media), 12, (content, sort))
+                self.assertEqual(sum(tile["GROUP_ITEM_COUNT"] for tile in headers), 12, (content, sort))
+
+    def test_a_search_finds_titles(self):
+        self.server.tell("generate films video 12")
+        self.server.tell("change films-3 title Moonlight")
+        found = self.tiles("--sort", "CATEGORY-KEYWORD-SEARCH", "--keyword", "moon", "--mask", "4")
+        self.assertEqual([tile["TITLE"] for tile in found], ["Moonlight"])
+
+    def test_failures_are_told(self):
+        gone = self.qra("list", "--source", "SOURCE_DLNA", "--path", "Attic", "--folder-id", "nowhere", status=FAILED)
+        self.assertIn("no such folder", gone.stderr)
+        nobody = self.qra("list", "--source", "SOURCE_DLNA", "--path", "Nobody", status=FAILED)
+        self.assertIn("no media server Nobody", nobody.stderr)
+        self.qra("list", "--source", "SOURCE_DLNA", status=USAGE)
+        self.qra("list", "--source", "SOURCE_DLNA", "--path", "Attic", "--uhd", status=USAGE)
+        self.qra("dlna", "get", "Attic", status=USAGE)
+
+
+class TransferTest(DlnaTest):
+    def test_chosen_files_are_fetched_whole(self):
+        self.server.tell("generate films video 4")
+        self.server.tell("change films-1 title a/../b")
+        self.server.tell("size films-1 300000")
+        target = self.directory / "films"
+        target.mkdir()
+        arguments = ("dlna", "get", "Attic", "--folder-id", "films", "--select", "1-2", "--to", target)
+        events = self.events(*arguments)
+        self.assertEqual(events[0]["event"], "started")
+        self.assertEqual(events[-1]["event"], "finished")
+        self.assertEqual(events[-1]["files_done"], 2)
+        names = sorted(file.name for file in target.iterdir())
+        self.assertEqual(len(names), 2)
+        self.assertIn("a_.._b.", names[0])
+        bytes_of = (target / names[0]).read_bytes()
+        self.assertEqual(bytes_of, bytes((i * 7 + i // 251) & 0xFF for i in range(300000)))
+        again = self.events(*arguments, status=FAILED)
+        self.assertEqual([event["event"] for event in again].count("file_failed"), 2)
+        self.events(*arguments, "--overwrite")
+
+    def test_a_file_and_a_fifo_are_sent(self):
+        photo = self.directory / "sea.jpg"
+        photo.write_bytes(b"\xff\xd8\xff" + b"x" * 5000)
+        events = self.events("dlna", "put", "Attic", photo)
+        self.assertEqual((events[-1]["event"], events[-1]["files_done"]), ("finished", 1))
+        fifo = self.directory / "fifo"
+        os.mkfifo(fifo)
+        writer = subprocess.Popen(["sh", "-c", f"cat {photo} > {fifo}"])
+        events = self.events("dlna", "put", "Attic", fifo, "--as", "live.jpg")
+        self.assertEqual((events[-1]["event"], events[-1]["files_done"]), ("finished", 1))
+        self.assertEqual(writer.wait(PATIENCE), 0)
+        found = self.tiles("--sort", "CATEGORY-KEYWORD-SEARCH", "--keyword", "live", "--mask", "4")
+        self.assertEqual([tile["TITLE"] for tile in found], ["live"])
+        self.assertEqual(found[0]["SIZE"], 5003)
+        failed = self.events("dlna", "put", "Attic", self.directory / "nowhere.jpg", status=FAILED)
+        self.assertEqual(failed[-1]["event"], "failed")
+
+    def test_a_position_is_kept_and_read(self):
+        self.server.tell("generate films video 4")
+        bookmark = ("dlna", "bookmark", "Attic", "--folder-id", "films", "2")
+        self.assertEqual(self.qra(*bookmark).stdout, "0\n")
+        self.assertEqual(self.qra(*bookmark, "--set", "95").stdout, "95\n")
+        self.assertEqual(self.events(*bookmark), [{"id": "films-2", "seconds": 95}])
+        self.qra("dlna", "bookmark", "Attic", "--folder-id", "films", "99", status=FAILED)
+
+
+if __name__ == "__main__":
+    unittest.main()
