@@ -620,6 +620,7 @@ std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine&
     add_job_commands(app, command_line);
     add_account_commands(app, command_line);
     add_playlist_commands(app, command_line);
+    add_dlna_commands(app, command_line);
     add_camera_commands(app, command_line);
     try {
         app.parse(argc, argv);

@@ -87,6 +87,7 @@ struct CommandLine {
     JobOptions job;
     DeviceOptions devices;
     PlaylistOptions playlist;
+    DlnaOptions dlna;
     CameraOptions camera;
 };
 
