@@ -7,6 +7,8 @@
 #include <chrono>
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <thread>
 #include <utility>
@@ -206,14 +208,21 @@ void set_bookmark(ListRequest& request, int seconds) {
 
 void run_dlna_servers(const CommandLine& line) {
     DlnaService service;
+    std::set<std::string> shown;
     for (const ServerLine& server : service.servers()) {
         show_server(line, server);
+        shown.insert(server.id);
     }
     if (!line.devices.watch) {
         return;
     }
     while (const std::optional<ServerLine> server = service.next()) {
-        show_server(line, *server);
+        // A server that was found just now is both in the list and announced.
+        const bool is_news =
+            server->event == kAttached ? shown.insert(server->id).second : shown.erase(server->id) > 0;
+        if (is_news) {
+            show_server(line, *server);
+        }
     }
 }
 

@@ -17,8 +17,19 @@ namespace {
 constexpr std::chrono::seconds kLongestStart{20};
 constexpr std::chrono::seconds kLongestSearch{10};
 
-void on_state(qra_nbl_serviceconnector_state_e state, void* states) {
-    static_cast<AnswerQueue<int>*>(states)->give(state);
+/// Never destroyed: an answer to a connection that was given up may come late.
+AnswerQueue<int>& states() {
+    static auto* const states = new AnswerQueue<int>;
+    return *states;
+}
+
+void on_connected(qra_nbl_serviceconnector_state_e state, void*) {
+    states().give(state);
+}
+
+void disconnect() {
+    const auto nobody = [](qra_nbl_serviceconnector_state_e, void*) {};
+    qra_finalize_dlna_service(nobody, nullptr);
 }
 
 ServerLine server_line(const std::string& event, qra_storage_h storage) {
@@ -28,7 +39,7 @@ ServerLine server_line(const std::string& event, qra_storage_h storage) {
 
 void on_server(void* events, int event, qra_storage_h storage) {
     static_cast<AnswerQueue<ServerLine>*>(events)->give(
-        server_line(event == QRA_STORAGE_EVENT_ATTACHED ? "attached" : "detached", storage));
+        server_line(event == QRA_STORAGE_EVENT_ATTACHED ? kAttached : "detached", storage));
 }
 
 [[noreturn]] void fail(const std::string& message) {
@@ -38,22 +49,22 @@ void on_server(void* events, int event, qra_storage_h storage) {
 }  // namespace
 
 DlnaService::DlnaService() {
-    check("home network service", qra_Init_dlna_service(on_state, &states_));
+    check("home network service", qra_Init_dlna_service(on_connected, nullptr));
     try {
-        if (states_.next_within(kLongestStart) != QRA_NBL_SERVICECONNECTOR_ENABLED) {
+        if (states().next_within(kLongestStart) != QRA_NBL_SERVICECONNECTOR_ENABLED) {
             throw CommandError(ExitStatus::ServiceMissing, "the home network service cannot run here");
         }
         // Before any list, so that nothing is missed between the two.
         check("servers", qra_set_dlna_callback(on_server, &events_));
     } catch (...) {
-        qra_finalize_dlna_service(nullptr, nullptr);
+        disconnect();
         throw;
     }
 }
 
 DlnaService::~DlnaService() {
     qra_unset_dlna_callback();
-    qra_finalize_dlna_service(nullptr, nullptr);
+    disconnect();
 }
 
 std::vector<ServerLine> DlnaService::servers() {

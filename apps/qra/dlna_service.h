@@ -1,16 +1,17 @@
 #ifndef QRA_APPS_QRA_DLNA_SERVICE_H
 #define QRA_APPS_QRA_DLNA_SERVICE_H
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "apps/qra/answer_queue.h"
 
+constexpr const char* kAttached = "attached";
+
 /// A media server as the tool shows it, a copy of the library's record.
 struct ServerLine {
-    std::string event;  ///< "present", "attached" or "detached"
+    std::string event;  ///< "present", kAttached or "detached"
     std::string id;
     std::string name;
     std::string address;
@@ -18,6 +19,7 @@ struct ServerLine {
 };
 
 /// The connection to the home network service, and the servers there, for the thread that makes it.
+/// One in a process.
 class DlnaService {
 public:
     /// Connects and waits for it. @throws CommandError if the service cannot run here
@@ -38,7 +40,6 @@ private:
     static std::optional<std::string> id_of(const std::vector<ServerLine>& servers,
                                             const std::string& server);
 
-    AnswerQueue<int> states_;
     AnswerQueue<ServerLine> events_;
 };
 

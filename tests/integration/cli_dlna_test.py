@@ -10,12 +10,15 @@ import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 from pathlib import Path
 
 QRA, SERVER = sys.argv.pop(1), sys.argv.pop(1)
 SUCCESS, USAGE, FAILED = 0, 1, 2
 PATIENCE = 60
+ATTIC = "uuid:5f0c7a10-0000-4000-8000-000000000001"
+CELLAR = "uuid:5f0c7a10-0000-4000-8000-000000000002"
 
 
 class Server:
@@ -46,7 +49,7 @@ class DlnaTest(unittest.TestCase):
         self.environment = {**os.environ, "XDG_DATA_HOME": str(self.directory / "data"),
                             "QRA_DATA_DIR": str(self.directory / "data"),
                             "QRA_APP_DIR": str(self.directory / "app")}
-        self.server = Server("--name=Attic")
+        self.server = Server("--name=Attic", "--id=" + ATTIC)
         self.addCleanup(self.server.end)
 
     def qra(self, *arguments, status=SUCCESS):
@@ -64,24 +67,32 @@ class DlnaTest(unittest.TestCase):
 
 
 class ListTest(DlnaTest):
+    def shown_servers(self, *arguments):
+        """What the tool shows; on a slow machine the servers that are found in its time may be none."""
+        end = time.monotonic() + PATIENCE
+        while time.monotonic() < end:
+            if shown := self.qra("dlna", "servers", *arguments).stdout:
+                return shown
+        self.fail("no server was found")
+
     def test_servers_are_shown_with_name_and_id(self):
-        server, = self.events("dlna", "servers")
-        self.assertEqual(server["name"], "Attic")
-        self.assertEqual(server["address"], "127.0.0.1")
-        self.assertTrue(server["id"].startswith("uuid:"))
-        self.assertIn("Attic", self.qra("dlna", "servers").stdout)
+        self.assertEqual(json.loads(self.shown_servers("--json")), {
+            "event": "present", "id": ATTIC, "name": "Attic", "address": "127.0.0.1", "own_maker": False})
+        self.assertEqual(self.shown_servers(), f"Attic  127.0.0.1  {ATTIC}\n")
 
     def test_servers_are_watched_as_they_come_and_go(self):
         watching = subprocess.Popen([QRA, "dlna", "servers", "--watch", "--json"], stdout=subprocess.PIPE, text=True,
                                     env=self.environment)
-        self.assertEqual(json.loads(watching.stdout.readline())["event"], "present")
-        second = Server("--name=Cellar", "--id=uuid:5f0c7a10-0000-4000-8000-000000000077")
+        self.addCleanup(watching.stdout.close)
+        self.addCleanup(watching.kill)
+        self.assertEqual(json.loads(watching.stdout.readline())["name"], "Attic")
+        second = Server("--name=Cellar", "--id=" + CELLAR)
+        self.addCleanup(second.end)
         came = json.loads(watching.stdout.readline())
-        second.end()
+        second.tell("goodbye")
         went = json.loads(watching.stdout.readline())
         watching.send_signal(signal.SIGTERM)
         self.assertEqual(watching.wait(PATIENCE), SUCCESS)
-        watching.stdout.close()
         self.assertEqual((came["event"], came["name"]), ("attached", "Cellar"))
         self.assertEqual((went["event"], went["name"]), ("detached", "Cellar"))
 
@@ -92,10 +103,12 @@ class ListTest(DlnaTest):
         films = self.tiles("--folder-id", "films", "--mask", "6")
         self.assertEqual([tile["ID_QRA"] for tile in films], [f"films-{i}" for i in range(250)])
         self.assertTrue(all(tile["URL"].startswith("http://") for tile in films))
-        server, = self.events("dlna", "servers")
-        by_id = self.qra("list", "--source", "SOURCE_DLNA", "--path", server["id"], "--folder-id", "films").stdout
+        by_id = self.qra("list", "--source", "SOURCE_DLNA", "--path", ATTIC, "--folder-id", "films").stdout
         self.assertIn("250 videos", by_id)
 
+
+
+class ViewsTest(DlnaTest):
     def test_every_view_of_a_server_that_can_search_shows_its_content(self):
         self.server.tell("generate songs music 12")
         self.server.tell("generate photos image 12")
@@ -120,6 +133,8 @@ class ListTest(DlnaTest):
         found = self.tiles("--sort", "CATEGORY-KEYWORD-SEARCH", "--keyword", "moon", "--mask", "4")
         self.assertEqual([tile["TITLE"] for tile in found], ["Moonlight"])
 
+
+class FailureTest(DlnaTest):
     def test_failures_are_told(self):
         gone = self.qra("list", "--source", "SOURCE_DLNA", "--path", "Attic", "--folder-id", "nowhere", status=FAILED)
         self.assertIn("no such folder", gone.stderr)
@@ -142,11 +157,9 @@ class TransferTest(DlnaTest):
         self.assertEqual(events[0]["event"], "started")
         self.assertEqual(events[-1]["event"], "finished")
         self.assertEqual(events[-1]["files_done"], 2)
-        names = sorted(file.name for file in target.iterdir())
-        self.assertEqual(len(names), 2)
-        self.assertIn("a_.._b.", names[0])
-        bytes_of = (target / names[0]).read_bytes()
-        self.assertEqual(bytes_of, bytes((i * 7 + i // 251) & 0xFF for i in range(300000)))
+        self.assertEqual(len(list(target.iterdir())), 2)
+        renamed, = target.glob("a_.._b.*")
+        self.assertEqual(renamed.read_bytes(), bytes((i * 7 + i // 251) & 0xFF for i in range(300000)))
         again = self.events(*arguments, status=FAILED)
         self.assertEqual([event["event"] for event in again].count("file_failed"), 2)
         self.events(*arguments, "--overwrite")
@@ -159,6 +172,7 @@ class TransferTest(DlnaTest):
         fifo = self.directory / "fifo"
         os.mkfifo(fifo)
         writer = subprocess.Popen(["sh", "-c", f"cat {photo} > {fifo}"])
+        self.addCleanup(writer.kill)
         events = self.events("dlna", "put", "Attic", fifo, "--as", "live.jpg")
         self.assertEqual((events[-1]["event"], events[-1]["files_done"]), ("finished", 1))
         self.assertEqual(writer.wait(PATIENCE), 0)
