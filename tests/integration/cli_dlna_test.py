@@ -107,7 +107,6 @@ class ListTest(DlnaTest):
         self.assertIn("250 videos", by_id)
 
 
-
 class ViewsTest(DlnaTest):
     def test_every_view_of_a_server_that_can_search_shows_its_content(self):
         self.server.tell("generate songs music 12")
