@@ -210,6 +210,41 @@ TEST_F(DevicesTest, EndsWhatIsUnderWayWhenTheClientLeaves) {
     EXPECT_EQ(again.wait(), NBL_ERROR_NONE);
 }
 
+TEST_F(DevicesTest, DoesNotStartForAClientThatHasLeftMeanwhile) {
+    struct Told {
+        Signal signal;
+        std::vector<int> states;
+        bool go = false;
+    } told;
+    const auto wait_and_add = [](nbl_serviceprovider_t, int state, void* to) {
+        auto* all = static_cast<Told*>(to);
+        EXPECT_TRUE(all->signal.wait([&] { return all->go; }));
+        all->signal.change([&] { all->states.push_back(state); });
+    };
+    nbl_serviceprovider_t provider = service;
+    disconnect();
+    // The first answer holds the service up until all the rest is asked for.
+    ASSERT_EQ(nbl_serviceconnector_connect(wait_and_add, &told), NBL_ERROR_NONE);
+    ASSERT_EQ(nbl_serviceconnector_disconnect(wait_and_add, &told), NBL_ERROR_NONE);
+    ASSERT_EQ(nbl_serviceconnector_connect(wait_and_add, &told), NBL_ERROR_NONE);
+    ASSERT_EQ(nbl_serviceconnector_disconnect(wait_and_add, &told), NBL_ERROR_NONE);
+    told.signal.change([&] { told.go = true; });
+    ASSERT_TRUE(told.signal.wait([&] { return told.states.size() == 4; }));
+
+    // The first answer was under way already, or was not, when the client left.
+    told.signal.read([&] {
+        EXPECT_THAT(told.states, ElementsAre(testing::_, NBL_SERVICECONNECTOR_DISABLED,
+                                             NBL_SERVICECONNECTOR_DISABLED, NBL_SERVICECONNECTOR_DISABLED));
+        return true;
+    });
+    int state = NBL_SERVICE_STATE_ENABLED;
+    EXPECT_EQ(nbl_serviceprovider_get_service_state(provider, &state), NBL_ERROR_NONE);
+    EXPECT_EQ(state, NBL_SERVICE_STATE_DISABLED);
+
+    connect();
+    EXPECT_THAT(devices(), IsEmpty());
+}
+
 TEST_F(DevicesTest, AnswersACancelledRequestOnce) {
     MediaServer server;
     nbl_provider_t provider = wait_for();

@@ -209,6 +209,8 @@ void CQRADlnaMgr::m_OnConnected(nbl_serviceprovider_t pProvider, int nState) {
 
 void CQRADlnaMgr::m_OnServiceDisConnectCB(nbl_serviceprovider_t, int nState, void* pThis) {
     auto* const pMgr = static_cast<CQRADlnaMgr*>(pThis);
+    // Once more: the answer to a connect may have come after the call that disconnects had returned.
+    pMgr->m_SetStatus(DLNA_STATUS_NONE);
     const CQRALockGuard<CQRAGMutex> running(pMgr->m_Mutex);
     pMgr->m_TellConnectCallback(nState);
 }

@@ -55,6 +55,10 @@ int Service::connect(nbl_serviceconnector_cb callback, void* user_data) {
 }
 
 void Service::begin_session(nbl_serviceconnector_cb callback, void* user_data) {
+    if (!is_wanted()) {
+        callback(nullptr, NBL_SERVICECONNECTOR_DISABLED, user_data);
+        return;
+    }
     if (session_ == nullptr) {
         session_ = std::make_unique<Session>(
             requests_, devices_, [this](int event, nbl_device_t device) { report(event, device); });
@@ -72,6 +76,11 @@ void Service::begin_session(nbl_serviceconnector_cb callback, void* user_data) {
     }
     callback(running ? this : nullptr, running ? NBL_SERVICECONNECTOR_ENABLED : NBL_SERVICECONNECTOR_FAILED,
              user_data);
+}
+
+bool Service::is_wanted() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return state_ != State::kStopped;
 }
 
 int Service::disconnect(nbl_serviceconnector_cb callback, void* user_data) {

@@ -105,6 +105,8 @@ private:
 
     Service() = default;
     void begin_session(nbl_serviceconnector_cb callback, void* user_data);
+    /// False if the service was ended since it was asked to start.
+    bool is_wanted() const;
     void end_session();
     void report(int event, nbl_device_t device);
 

@@ -139,7 +139,7 @@ typedef void (*nbl_serviceconnector_cb)(nbl_serviceprovider_t provider, int stat
  * Starts the service, and the search for devices. Starting it while it runs is no error: `callback` is told
  * that it runs. Starts are not counted.
  *
- * @param callback   called once
+ * @param callback   called once; told NBL_SERVICECONNECTOR_DISABLED if the service is ended before it starts
  * @return NBL_ERROR_NONE: `callback` will be called; NBL_ERROR_INVALID_PARAMETER; NBL_ERROR_FAILED: no thread
  */
 int nbl_serviceconnector_connect(nbl_serviceconnector_cb callback, void* user_data);

@@ -99,6 +99,20 @@ TEST_F(CQRADlnaMgrTest, ASecondConnectBeforeTheAnswerConnectsOnceMore) {
     service.run([] {});
 }
 
+TEST_F(CQRADlnaMgrTest, AConnectionThatComesAfterTheDisconnectIsNotKept) {
+    std::promise<void> go;
+    service.post([&] { go.get_future().wait(); });
+    EXPECT_TRUE(mgr->ConnectService());
+    EXPECT_TRUE(mgr->DisConnectSerivce());
+    go.set_value();
+    service.run([] {});
+
+    EXPECT_TRUE(mgr->ConnectService());
+
+    EXPECT_EQ(service.count("nbl_serviceconnector_connect"), 2);
+    service.run([] {});
+}
+
 TEST_F(CQRADlnaMgrTest, AServiceThatAnswersFromInsideTheCallIsSurvived) {
     service.connect_inside = true;
     mgr->SetDLNAConnectCallback(add_state, &states);
