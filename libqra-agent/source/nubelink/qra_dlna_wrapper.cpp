@@ -141,6 +141,12 @@ bool CQRADLNAWrapper::m_Begin() {
     return true;
 }
 
+// What could not be cancelled is answered later, to nobody.
+void CQRADLNAWrapper::m_EndRequests() {
+    const Lock lock(m_RequestMutex);
+    m_DropRequests();
+}
+
 void CQRADLNAWrapper::m_DropRequests() {
     for (const auto& entry : m_TokenMap) {
         CQRADlnaCallTable::GetInstance()->Remove(entry.second.pCall);
@@ -385,6 +391,7 @@ int CQRADLNAWrapper::m_MediaBrowse(const CQRADlnaItem& item, media_cb cbMedia, g
         if (m_nError != DLNA_ERROR_NONE) {
             QRA_LOG_WARNING(QRA_TAG_DLNA, "m_MediaBrowse nbl_provider_browse error Quit");
             FailProcess();
+            m_EndRequests();
             break;
         }
         if (nSent < nRequests && request.nStartIndex >= m_nEnd) {

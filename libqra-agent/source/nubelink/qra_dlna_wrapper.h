@@ -162,6 +162,7 @@ private:
 
     bool m_Begin() QRA_EXCLUDES(m_RequestMutex);
     bool m_Send(const Request& request, const Start& start) QRA_EXCLUDES(m_RequestMutex);
+    void m_EndRequests() QRA_EXCLUDES(m_RequestMutex);
     void m_DropRequests() QRA_REQUIRES(m_RequestMutex);
     bool m_CancelRequests(int& nCancelled) QRA_EXCLUDES(m_CancelMutex, m_RequestMutex);
     bool m_CancelNext(bool& bDone) QRA_REQUIRES(m_CancelMutex) QRA_EXCLUDES(m_RequestMutex);

@@ -724,6 +724,26 @@ TEST_F(CQRADLNASourceTest, ASourceWhoseCloseFailedServesTheNextRequest) {
     EXPECT_EQ(count(), 2);
 }
 
+TEST_F(CQRADLNASourceTest, LateAnswersOfAFailedRequestAreNotCounted) {
+    service.folders["7"].children = pictures(1000);
+    service.hold = true;
+    execute("7");
+    ASSERT_TRUE(service.wait_for_open(1));
+    service.answer(service.open()[0]);
+    ASSERT_TRUE(service.wait_for_open(5));
+    service.refuse["nbl_provider_cancel_async_action"] = 5;
+    service.answer(service.open()[0], NBL_ERROR_TIMEOUT);
+    ASSERT_TRUE(events.wait_for(1));
+    ASSERT_TRUE(service.wait_for_open(4));
+
+    while (!service.open().empty())
+        service.answer(service.open()[0]);
+    service.run([] {});
+
+    EXPECT_THAT(events.all(), ElementsAre("1"));
+    EXPECT_EQ(count_of(QRA_MEDIA_TYPE_IMAGE), 0);
+}
+
 TEST_F(CQRADLNASourceTest, ARepeatDoesNotWaitForACompletionThatRuns) {
     struct Slow {
         std::promise<void> begun, go;
