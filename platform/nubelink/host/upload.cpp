@@ -72,6 +72,7 @@ class Upload::State : public std::enable_shared_from_this<State> {
 public:
     State(const HttpClient& client, UploadQuestion question, UploadReports reports)
         : client_(client), question_(std::move(question)), reports_(std::move(reports)) {}
+    ~State();
 
     void start();
     void end();
@@ -102,6 +103,13 @@ private:
     ObjectPtr<SoupMessage> message_;
     const ObjectPtr<GCancellable> cancel_{g_cancellable_new()};
 };
+
+Upload::State::~State() {
+    if (message_ != nullptr) {
+        g_signal_handlers_disconnect_by_data(message_.get(),
+                                             this);  // libsoup may keep the message for longer.
+    }
+}
 
 void Upload::State::start() {
     if (open_content()) {
