@@ -101,6 +101,14 @@ TEST_F(BrowseTest, GivesAllWhereTheServerSaysThatThereAreNone) {
     EXPECT_EQ(reply.ids(), ids_from(0, kImages));
 }
 
+TEST_F(BrowseTest, CountsAChildThatTheServerGivesAndDoesNotCount) {
+    start();
+    server->set("Browse.childless");
+    server->set("Browse.total", "0");
+
+    EXPECT_EQ(item_of(provider, "p").number(nbl_item_get_child_count), 1);
+}
+
 TEST_F(BrowseTest, GivesWhatThereIsWhereTheTotalGrowsWithEachAnswer) {
     start();
     server->set("Browse.at-most", "10");

@@ -129,7 +129,8 @@ int64_t BrowseItemRequest::child_count() const {
     if (children_->total > 0 || children_->items.empty()) {
         return children_->total;
     }
-    return said.value_or(1);  // There is one child at least, and nobody says how many.
+    // There is one child at least, whatever is said.
+    return std::max<int64_t>(said.value_or(1), 1);
 }
 
 SearchRequest::SearchRequest(nbl_provider_t provider, std::string criteria, int start, int count,

@@ -291,12 +291,16 @@ std::string DirectoryService::page_didl(const std::string& name, const std::vect
         return "<DIDL-Lite/>";
     }
     const bool one_id = faults_.is_on(name, "duplicate-ids");
+    const bool childless = faults_.is_on(name, "childless");
     const auto bad_bytes = faults_.take_number(name, "not-utf8");
     std::string text = kDidlStart;
     for (std::size_t i = 0; i < objects.size(); ++i) {
         Object object = *objects[i];
         if (one_id) {
             object.id = objects[0]->id;
+        }
+        if (childless) {
+            object.children.clear();
         }
         if (bad_bytes == static_cast<int>(i)) {
             object.title = "caf\xE9 au lait";

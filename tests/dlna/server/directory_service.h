@@ -25,6 +25,7 @@
  *   at-most N        fewer items than asked for       none-from N     nothing from that index on
  *   total N          tells that total                 grow N, shrink N   the total changes with each answer
  *   same-page        the first page always            duplicate-ids   all items of a page have one id
+ *   childless        tells of folders that they are empty
  *   broken-didl, empty-didl, no-didl, not-utf8
  */
 class DirectoryService {
