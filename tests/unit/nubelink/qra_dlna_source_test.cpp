@@ -714,13 +714,14 @@ TEST_F(CQRADLNASourceTest, ASourceWhoseCloseFailedServesTheNextRequest) {
     service.refuse["nbl_provider_cancel_async_action"] = 5;
     EXPECT_FALSE(source->Close());
     service.refuse.clear();
-    service.answer(service.open()[0], NBL_ERROR_TIMEOUT);
-    service.hold = false;
     source->SetCallback(add_event, &events);
+    service.answer(service.open()[0], NBL_ERROR_TIMEOUT);
+    ASSERT_TRUE(events.wait_for(1));
+    service.hold = false;
 
     EXPECT_TRUE(execute("7"));
 
-    ASSERT_TRUE(events.wait_for(1));
+    ASSERT_TRUE(events.wait_for(2));
     EXPECT_EQ(count(), 2);
 }
 
