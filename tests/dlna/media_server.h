@@ -17,7 +17,7 @@ class MediaServer {
 public:
     /// Starts it and waits until it listens, with options as "--name=N".
     explicit MediaServer(const std::vector<std::string>& options = {});
-    /// Says goodbye to the network.
+    /// Ends it without a word to the network; tell it "goodbye" first where that is wanted.
     ~MediaServer();
     MediaServer(const MediaServer&) = delete;
     MediaServer& operator=(const MediaServer&) = delete;
