@@ -133,15 +133,15 @@ public:
         }
         flush_output();
     }
-    void failed(mtp_object_h id, int code) {
+    void failed(mtp_object_h id, const std::string& reason) {
         ++failures_;
         if (!json_) {
-            print_note(std::to_string(id) + ": " + camera_error_text(code));
+            print_note(std::to_string(id) + ": " + reason);
             return;
         }
         Json::Value json(Json::objectValue);
         json["id"] = id;
-        json["error"] = camera_error_text(code);
+        json["error"] = reason;
         print_json(json);
         flush_output();
     }
@@ -182,15 +182,16 @@ std::vector<CameraObject> chosen(mtp_device_h camera, const CommandLine& line, F
     for (const mtp_object_h id : line.camera.ids) {
         CameraObject object;
         object.id = id;
-        int code = mtp_objectinfo_get_object_info(camera, id, &object.info);
-        if (code == MTP_ERROR_NONE && object.info.file_type == MTP_FILETYPE_FOLDER) {
-            code = MTP_ERROR_NO_OBJECT;
-        }
+        const int code = mtp_objectinfo_get_object_info(camera, id, &object.info);
         if (ends_all(code)) {
             check_camera(std::to_string(id), code);
         }
         if (code != MTP_ERROR_NONE) {
-            output.failed(id, code);
+            output.failed(id, camera_error_text(code));
+            continue;
+        }
+        if (object.info.file_type == MTP_FILETYPE_FOLDER) {
+            output.failed(id, "is a folder");
             continue;
         }
         object.path = name_of(object);
@@ -258,7 +259,7 @@ void run_camera_get(const CommandLine& line) {
         if (ends_all(code)) {
             check_camera(printable_text(name_of(object)), code);
         }
-        output.failed(object.id, code);
+        output.failed(object.id, camera_error_text(code));
     }
     output.end();
 }
@@ -279,7 +280,7 @@ void run_camera_thumb(const CommandLine& line) {
         if (ends_all(code)) {
             check_camera(std::to_string(object.id), code);
         }
-        output.failed(object.id, code);
+        output.failed(object.id, camera_error_text(code));
     }
     output.end();
 }

@@ -9,6 +9,7 @@
 
 namespace {
 
+constexpr char kCamera[] = "ptp";
 /// What the library gives for every size that is larger.
 constexpr long long kLargestSize = 2147483647;
 
@@ -20,7 +21,7 @@ std::string type_of(qra_storage_h storage, bool optical) {
         case QRA_DEVICE_CLASS_MSC:
             return "usb";
         case QRA_DEVICE_CLASS_PTP:
-            return "ptp";
+            return kCamera;
         default:
             return "other";
     }
@@ -53,7 +54,7 @@ std::string utf8(const std::string& text) {
 }  // namespace
 
 std::vector<std::string> device_types() {
-    return {"usb", "ptp", "bd", "other"};
+    return {"usb", kCamera, "bd", "other"};
 }
 
 DeviceLine device_line(const std::string& event, qra_storage_h storage, bool optical) {
@@ -80,6 +81,9 @@ std::string device_text(const DeviceLine& device, bool with_event) {
         if (!text.empty() && text != device.name) {
             line += "  " + printable_text(text);
         }
+    }
+    if (device.type == kCamera) {
+        line += "  bus " + std::to_string(device.bus) + "  device " + std::to_string(device.address);
     }
     if (device.total_size > 0) {
         line += "  " + size_text(device.available_size) + " of " + size_text(device.total_size) + " free";

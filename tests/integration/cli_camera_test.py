@@ -115,6 +115,7 @@ class CameraListTest(CameraTest):
         [camera] = self.json_lines("devices", "--type", "ptp")
         self.assertEqual(("present", "ptp", "Zoom 3", "Acme", 1, 5), tuple(
             camera[key] for key in ("event", "type", "name", "vendor", "deviceBus", "deviceAddress")))
+        self.assertEqual("ptp  Zoom 3  Acme  bus 1  device 5\n", self.stdout("devices", "--type", "ptp"))
         watch = subprocess.Popen([QRA, "devices", "--watch", "--type", "ptp", "--json"], env=self.environment,
                                  stdout=subprocess.PIPE, stdin=subprocess.DEVNULL)
         timer = threading.Timer(60, watch.kill)
@@ -159,6 +160,7 @@ class CameraGetTest(CameraTest):
         result = self.qra("camera", "get", "4711", self.id_of("top.png"), self.id_of("DCIM"), "--to", str(self.target),
                           status=FAILED)
         self.assertIn("4711: the camera has no such file", result.stderr.decode())
+        self.assertIn(f"{self.id_of('DCIM')}: is a folder", result.stderr.decode())
         self.assertIn("2 files were not fetched", result.stderr.decode())
         self.assertEqual(["top.png"], self.copied())
 
