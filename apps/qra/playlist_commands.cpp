@@ -109,6 +109,7 @@ void run_playlist_list(const CommandLine& line) {
 void run_playlist_new(const CommandLine& line) {
     const PlaylistPlace place = playlist_place(line);
     create_playlist(place, line.playlist.max_items);
+    tell_other_name(line.playlist.name, place.name);
     report(line, "new", place);
 }
 
@@ -143,14 +144,16 @@ void run_playlist_rename(const CommandLine& line) {
                            "on internal storage the name has to stay: it is also the file's");
     }
     const PlaylistPlace place = playlist_place(line);
-    OpenPlaylist(place).rename(line.playlist.new_name);
-    report(line, "rename", {place.directory, line.playlist.new_name});
+    const std::string new_name = kept_name(line.playlist.new_name);
+    OpenPlaylist(place).rename(new_name);
+    tell_other_name(line.playlist.new_name, new_name);
+    report(line, "rename", {place.directory, new_name});
 }
 
 void run_playlist_delete(const CommandLine& line) {
     const PlaylistPlace place = playlist_place(line);
     OpenPlaylist playlist(place);
-    if (!line.playlist.yes && !confirmed("Delete the playlist " + printable_text(place.name) + "? [y/N] ")) {
+    if (!line.playlist.yes && !confirmed("Delete the playlist " + printable_text(place.name) + "?")) {
         throw CommandError(ExitStatus::RequestFailed, "nothing was deleted");
     }
     playlist.remove();

@@ -15,6 +15,13 @@ constexpr char kInternalFile[] = ".bgm.m3u";
 /// on none, or the folder itself with --internal.
 std::string playlist_directory(const CommandLine& line);
 
+/// What a playlist's file gives back of a name: no colon, no line feed, no blanks at its end.
+/// @throws CommandError where nothing is left
+std::string kept_name(const std::string& name);
+
+/// Says so where a name that was asked for is not the one that is kept.
+void tell_other_name(const std::string& asked, const std::string& kept);
+
 /// The playlist that a command names. @throws CommandError for one that internal storage cannot have
 PlaylistPlace playlist_place(const CommandLine& line);
 

@@ -47,12 +47,15 @@ public:
             }
             browsing.request().move_to(item.tile);
             songs.push_back(song_at_cursor(browsing.request().handle()));
-            check_place(songs.back().path);
+            check_path(songs.back().path);
+        }
+        if (songs.empty()) {
+            fail("none of these tiles can be added");
         }
         return songs;
     }
 
-    /// @throws CommandError for a file that is no media or lies elsewhere than the playlist
+    /// @throws CommandError for a file that is no media, or that the playlist would not find again
     Song song_of(const std::string& file) {
         std::error_code error;
         const fs::path path = fs::canonical(file, error);
@@ -64,13 +67,18 @@ public:
         if (found == songs.end()) {
             fail(printable_text(file) + ": no media that the system knows");
         }
-        check_place(found->second.path);
+        check_path(found->second.path);
         return found->second;
     }
 
 private:
-    /// Items of a drive's playlist that lie elsewhere would be looked for beside it when it is read again.
-    void check_place(const std::string& path) const {
+    /// When a playlist is read again, a path has lost its colons, bars and line feeds have broken its item,
+    /// and items that do not lie on the playlist's drive are looked for beside it.
+    void check_path(const std::string& path) const {
+        if (path.find_first_of(":|\n") != std::string::npos) {
+            fail(printable_text(path) +
+                 ": a path with a colon, a bar or a line feed cannot stand in a playlist");
+        }
         if (!line_.playlist.internal && path.rfind(directory_ + "/", 0) != 0) {
             fail(printable_text(path) + ": on another drive than the playlist");
         }
@@ -233,6 +241,7 @@ void run_playlist_import(const CommandLine& line) {
     std::size_t left_out = 0;
     const std::vector<Song> songs = songs_of(line.playlist.file, reader, left_out);
     create_playlist(place, std::max(line.playlist.max_items, static_cast<int>(songs.size())));
+    tell_other_name(named.playlist.name, place.name);
     OpenPlaylist playlist(place);
     try {
         add_all(playlist, songs);

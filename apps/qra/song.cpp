@@ -4,6 +4,7 @@
 #include <json/value.h>
 #include <json/writer.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 
@@ -99,6 +100,13 @@ void read_item(Item item, const Fields& fields, Song& song) {
     }
 }
 
+/// A bar or a line feed would break the item in the playlist's file.
+std::string without_breaks(std::string text) {
+    std::replace(text.begin(), text.end(), '|', '/');
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
+}
+
 std::string valid_utf8(const std::string& bytes) {
     const std::unique_ptr<char, decltype(&g_free)> text(
         g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size())), &g_free);
@@ -123,7 +131,7 @@ qra_error_code_e add_song(qra_playlist_handler_h playlist, const Song& song) {
     const ItemOwner item = make_item();
     for (const TextField& field : kTexts) {
         // An empty text is one that is not set.
-        field.set(item.get(), (song.*field.value).c_str());
+        field.set(item.get(), without_breaks(song.*field.value).c_str());
     }
     write_item(song, kSizes, item.get());
     write_item(song, kTimes, item.get());

@@ -35,7 +35,8 @@ struct Song {
 /// The tile at the cursor of a list.
 Song song_at_cursor(qra_agent_handler_h list);
 
-/// Adds a song to an open playlist.
+/// Adds a song to an open playlist. Bars and line feeds of its texts, which the playlist's file cannot hold,
+/// become slashes and blanks.
 qra_error_code_e add_song(qra_playlist_handler_h playlist, const Song& song);
 
 /// Reads an item of an open playlist.

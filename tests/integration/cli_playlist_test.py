@@ -54,6 +54,38 @@ class PlaylistTest(ToolTest):
         self.assertEqual(["blues.wav", "rock.wav"], sorted(self.titles()))
         self.playlist("add", self.tree, "Party", status=USAGE)
 
+    def test_adding_tiles_without_any_media_fails(self):
+        self.make()
+        result = self.playlist("add", self.tree, "Party", "--from", self.tree, "--select", "DISPLAY_NAME=Sub",
+                               status=FAILED)
+        self.assertIn("none of these tiles can be added", result.stderr.decode())
+
+    def test_a_file_whose_path_the_playlist_would_not_keep_is_refused(self):
+        self.make()
+        for name in ("a|b.wav", "c:d.wav", "e\nf.wav"):
+            with self.subTest(name):
+                wav(self.tree / name)
+                result = self.playlist("add", self.tree, "Party", self.tree / name, status=FAILED)
+                self.assertIn("cannot stand in a playlist", result.stderr.decode())
+        self.assertEqual([], self.titles())
+
+    def test_a_title_with_a_bar_does_not_break_its_item(self):
+        (self.tree / "bar.m3u8").write_text("#EXTM3U\n#EXTINF:3,Rock | Roll\nrock.wav\n")
+        self.playlist("import", self.tree, self.tree / "bar.m3u8")
+        [song] = self.objects("show", self.tree, "bar")
+        self.assertEqual(("Rock / Roll", self.media_path() + "/rock.wav"), (song["TITLE"], song["FILE_PATH"]))
+
+    def test_a_name_is_taken_as_its_file_keeps_it(self):
+        result = self.playlist("new", self.tree, "Party: Summer ")
+        self.assertIn("is called Party Summer", result.stderr.decode())
+        self.playlist("add", self.tree, "Party: Summer ", self.tree / "rock.wav")
+        self.assertEqual(["rock.wav"], self.titles("Party Summer"))
+        result = self.playlist("rename", self.tree, "Party: Summer", "Winter: Snow")
+        self.assertIn("is called Winter Snow", result.stderr.decode())
+        self.assertEqual(["Winter Snow"], [each["DISPLAY_NAME"] for each in self.objects("list", self.tree)])
+        self.playlist("new", self.tree, ":", status=USAGE)
+        self.playlist("rename", self.tree, "Winter Snow", " \n", status=USAGE)
+
     def test_items_are_taken_out_by_their_positions(self):
         self.make("rock.wav", "Sub/jazz.wav", "blues.wav")
         self.playlist("remove", self.tree, "Party", "0,2")
@@ -67,7 +99,8 @@ class PlaylistTest(ToolTest):
         self.playlist("rename", self.tree, "Party", "Summer")
         self.assertEqual(["rock.wav"], self.titles("Summer"))
         self.assertEqual([file], self.files())
-        self.playlist("delete", self.tree, "Summer", status=FAILED)  # not confirmed
+        asked = self.playlist("delete", self.tree, "Summer", status=FAILED).stderr.decode()
+        self.assertIn("Delete the playlist Summer? [y/N] qra: nothing was deleted", asked)
         self.playlist("delete", self.tree, "Summer", "--yes")
         self.assertEqual([], self.files())
         self.playlist("show", self.tree, "Summer", status=FAILED)
