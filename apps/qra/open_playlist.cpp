@@ -19,17 +19,20 @@ constexpr CodeText kCodeTexts[] = {
     {QRA_ERROR_CREATE_FAILED,
      "the name is refused (at most 256 bytes, no /), or the drive cannot be written"},
     {QRA_ERROR_INVALID_PARAM, "refused"},
-    {QRA_ERROR_INTERNAL, "the playlist is full, or its file cannot be read or written"},
+    {QRA_ERROR_INTERNAL, "its file cannot be read or written"},
 };
 
-void check_code(const std::string& name, qra_error_code_e code) {
+constexpr char kNotSaved[] =
+    "it cannot be saved; look for it, as a drive that is full has lost the playlist now";
+
+void check_code(const std::string& name, qra_error_code_e code, const char* internal_error = nullptr) {
     if (code == QRA_ERROR_NONE) {
         return;
     }
     std::string text = "error " + std::to_string(code);
     for (const CodeText& entry : kCodeTexts) {
         if (entry.code == code) {
-            text = entry.text;
+            text = code == QRA_ERROR_INTERNAL && internal_error != nullptr ? internal_error : entry.text;
         }
     }
     throw CommandError(ExitStatus::RequestFailed, "playlist " + printable_text(name) + ": " + text);
@@ -60,8 +63,8 @@ OpenPlaylist::~OpenPlaylist() {
     qra_playlist_close_v2(handle_);
 }
 
-void OpenPlaylist::check(qra_error_code_e code) const {
-    check_code(name_, code);
+void OpenPlaylist::check(qra_error_code_e code, const char* internal_error) const {
+    check_code(name_, code, internal_error);
 }
 
 std::vector<Song> OpenPlaylist::songs() const {
@@ -75,7 +78,7 @@ std::vector<Song> OpenPlaylist::songs() const {
 }
 
 void OpenPlaylist::add(const Song& song) {
-    check(add_song(handle_, song));
+    check(add_song(handle_, song), "it is full");
 }
 
 void OpenPlaylist::remove_item(int index) {
@@ -83,11 +86,15 @@ void OpenPlaylist::remove_item(int index) {
 }
 
 void OpenPlaylist::save() {
-    check(qra_playlist_flush_v2(handle_));
+    check(qra_playlist_flush_v2(handle_), kNotSaved);
 }
 
 void OpenPlaylist::rename(const std::string& name) {
-    check(qra_playlist_rename_v2(handle_, name.c_str()));
+    constexpr std::size_t kLongestName = 256;
+    if (name.size() > kLongestName || name.find('/') != std::string::npos) {
+        check(QRA_ERROR_INTERNAL, "the new name is refused (at most 256 bytes, no /)");
+    }
+    check(qra_playlist_rename_v2(handle_, name.c_str()), kNotSaved);
 }
 
 void OpenPlaylist::remove() {

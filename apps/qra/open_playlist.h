@@ -28,12 +28,14 @@ public:
     std::vector<Song> songs() const;
     void add(const Song& song);
     void remove_item(int index);
+    /// A save that fails may have cost the playlist its file.
     void save();
     void rename(const std::string& name);
     void remove();
 
 private:
-    void check(qra_error_code_e code) const;
+    /// @param internal_error  what QRA_ERROR_INTERNAL means for the call; null for what it means elsewhere
+    void check(qra_error_code_e code, const char* internal_error = nullptr) const;
 
     const std::string name_;
     qra_playlist_handler_h handle_ = nullptr;

@@ -3,7 +3,6 @@
 
 Usage: cli_batch_test.py QRA ENGINE MAKE_RECORDING [TEST...]
 """
-import ctypes
 import json
 import os
 import signal
@@ -11,24 +10,10 @@ import subprocess
 import sys
 import unittest
 
-from cli_tool import FAILED, QRA, SUCCESS, USAGE, TerminalRun, ToolTest, png, wav
+from cli_tool import FAILED, QRA, SUCCESS, USAGE, TerminalRun, ToolTest, have_own_mounts, png, wav
 
 MAKE_RECORDING = sys.argv.pop(1)
 MANY = 3000
-CLONE_NEWNS, CLONE_NEWUSER = 0x00020000, 0x10000000
-
-
-def have_own_mounts():
-    """Gives this process, and what it starts, mounts of its own; false where that is not allowed."""
-    user, group = os.geteuid(), os.getegid()
-    libc = ctypes.CDLL(None, use_errno=True)
-    if libc.unshare(CLONE_NEWNS if user == 0 else CLONE_NEWNS | CLONE_NEWUSER) != 0:
-        return False
-    if user != 0:
-        for name, text in ("setgroups", "deny"), ("uid_map", f"0 {user} 1"), ("gid_map", f"0 {group} 1"):
-            with open(f"/proc/self/{name}", "w") as file:
-                file.write(text)
-    return subprocess.run(["mount", "--make-rprivate", "/"], capture_output=True).returncode == 0
 
 
 def sparse(path, size):

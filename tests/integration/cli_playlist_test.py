@@ -4,16 +4,20 @@
 Usage: cli_playlist_test.py QRA ENGINE [TEST...]
 """
 import json
+import subprocess
 import unittest
 
-from cli_tool import FAILED, SUCCESS, USAGE, ToolTest, wav
+from cli_tool import FAILED, SUCCESS, USAGE, ToolTest, have_own_mounts, wav
 
 
-class PlaylistTest(ToolTest):
+class SongsTest(ToolTest):
     """Has a folder with three songs, one of them in a folder of its own."""
 
     def setUp(self):
         super().setUp()
+        self.make_songs()
+
+    def make_songs(self):
         wav(self.tree / "blues.wav")
         wav(self.tree / "rock.wav", 3)
         (self.tree / "Sub").mkdir()
@@ -37,6 +41,8 @@ class PlaylistTest(ToolTest):
     def files(self):
         return sorted(self.tree.glob("*.m3u"))
 
+
+class PlaylistTest(SongsTest):
     def test_a_playlist_is_made_filled_and_shown(self):
         self.make("rock.wav", "Sub/jazz.wav", "blues.wav")
         self.assertEqual(["rock.wav", "jazz.wav", "blues.wav"], self.titles())
@@ -85,6 +91,9 @@ class PlaylistTest(ToolTest):
         self.assertEqual(["Winter Snow"], [each["DISPLAY_NAME"] for each in self.objects("list", self.tree)])
         self.playlist("new", self.tree, ":", status=USAGE)
         self.playlist("rename", self.tree, "Winter Snow", " \n", status=USAGE)
+        for name in ("a/b", 257 * "x"):
+            result = self.playlist("rename", self.tree, "Winter Snow", name, status=FAILED)
+            self.assertIn("the new name is refused", result.stderr.decode())
 
     def test_items_are_taken_out_by_their_positions(self):
         self.make("rock.wav", "Sub/jazz.wav", "blues.wav")
@@ -92,6 +101,13 @@ class PlaylistTest(ToolTest):
         self.assertEqual(["jazz.wav"], self.titles())
         self.playlist("remove", self.tree, "Party", "1", status=FAILED)
         self.playlist("remove", self.tree, "Party", "group:1", status=USAGE)
+
+    def test_a_full_playlist_says_so(self):
+        self.playlist("new", self.tree, "Party", "--max", "1")
+        songs = self.tree / "rock.wav", self.tree / "blues.wav"
+        result = self.playlist("add", self.tree, "Party", *songs, status=FAILED)
+        self.assertIn("playlist Party: it is full", result.stderr.decode())
+        self.assertEqual([], self.titles())
 
     def test_it_is_renamed_and_deleted(self):
         self.make("rock.wav")
@@ -176,6 +192,54 @@ class PlaylistTest(ToolTest):
         songs = self.objects("show", moved, "Party")
         self.assertEqual([self.media_path("USBDrive7") + "/rock.wav"], [song["FILE_PATH"] for song in songs])
         self.assertEqual([], self.objects("check", moved, "Party"))
+
+
+class MountedDriveTest(SongsTest):
+    """The folder is a file system of its own."""
+
+    def setUp(self):
+        if not have_own_mounts():
+            self.skipTest("no mount namespace is to be had here")
+        super().setUp()
+        self.mount("-t", "tmpfs", "-o", "size=1m", "tmpfs", self.tree)
+        self.make_songs()
+
+    def mount(self, *arguments):
+        subprocess.run(["mount", *arguments], check=True)
+        self.addCleanup(subprocess.run, ["umount", "-l", arguments[-1]], capture_output=True)
+
+    def test_a_playlist_shows_its_items_wherever_the_drive_is_mounted(self):
+        self.make("rock.wav", "blues.wav")
+        self.playlist("rename", self.tree, "Party", "Summer")
+        self.playlist("remove", self.tree, "Summer", "1")
+        self.assertEqual([], self.objects("check", self.tree, "Summer"))
+        self.qra("detach", "USBDrive1")
+        other = self.directory / "other"
+        other.mkdir()
+        self.mount("--bind", self.tree, other)
+        subprocess.run(["umount", self.tree], check=True)
+        self.qra("attach", other, "--as", "USBDrive7")
+        songs = self.objects("show", other, "Summer")
+        self.assertEqual([self.media_path("USBDrive7") + "/rock.wav"], [song["FILE_PATH"] for song in songs])
+        self.assertEqual([], self.objects("check", other, "Summer"))
+        self.playlist("delete", other, "Summer", "--yes")
+        self.assertEqual([], self.objects("list", other))
+
+    def test_a_drive_that_is_full_costs_the_playlist_and_says_so(self):
+        self.make("rock.wav")
+        with open(self.tree / "rest", "wb", buffering=0) as rest, self.assertRaises(OSError):
+            while rest.write(b"x" * 4096):
+                pass
+        result = self.playlist("add", self.tree, "Party", *[self.tree / "rock.wav"] * 60, status=FAILED)
+        self.assertIn("a drive that is full has lost the playlist", result.stderr.decode())
+        self.assertEqual([], self.files())
+        self.assertEqual([], self.objects("list", self.tree))
+
+    def test_a_drive_that_was_pulled_has_no_playlists(self):
+        self.make("rock.wav")
+        subprocess.run(["umount", "-l", self.tree], check=True)
+        result = self.playlist("show", self.tree, "Party", status=FAILED)
+        self.assertIn("no such playlist", result.stderr.decode())
 
 
 if __name__ == "__main__":
