@@ -75,6 +75,22 @@ TEST_F(DevicesTest, TakesAServerThatSaysGoodbyeAway) {
     EXPECT_TRUE(wait_for_event(NBL_DEVICE_EVENT_ADDED, kFirstId, 2));
 }
 
+TEST_F(DevicesTest, TakesNoLateAnswerOfAServerThatSaidGoodbyeForItsReturn) {
+    MediaServer server;
+    ASSERT_NE(wait_for(), nullptr);
+    ASSERT_EQ(nbl_devicefinder_refresh(finder), NBL_ERROR_NONE);
+    server.await("M-SEARCH", 1);
+    server.tell({"goodbye"});
+    ASSERT_TRUE(wait_for_event(NBL_DEVICE_EVENT_REMOVED, kFirstId));
+    server.tell({"answer"});
+    // What is said after the answer is heard after it.
+    MediaServer other({"--id=uuid:other"});
+    ASSERT_NE(wait_for("uuid:other"), nullptr);
+
+    EXPECT_THAT(devices(), ElementsAre("uuid:other"));
+    EXPECT_EQ(events(NBL_DEVICE_EVENT_ADDED, kFirstId), 1);
+}
+
 TEST_F(DevicesTest, AnswersARequestOnAServerThatWentWithoutAWord) {
     MediaServer server;
     nbl_provider_t provider = wait_for();

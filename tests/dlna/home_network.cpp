@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <thread>
 
 #include "tests/dlna/media_server.h"
 
@@ -12,6 +13,17 @@ namespace {
 constexpr std::chrono::seconds kPatience(60);
 
 }  // namespace
+
+bool comes_true(const std::function<bool()>& holds) {
+    const auto deadline = std::chrono::steady_clock::now() + kPatience;
+    while (!holds()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return true;
+}
 
 bool Signal::wait(const std::function<bool()>& holds) {
     std::unique_lock<std::mutex> lock(mutex_);
@@ -140,6 +152,10 @@ int TransferReply::wait() {
         EXPECT_EQ(signal_.read([this] { return ends; }), 1) << "a transfer ends twice";
     }
     return error;
+}
+
+bool TransferReply::has_ended() {
+    return signal_.read([this] { return ends > 0; });
 }
 
 bool TransferReply::wait_for_progress() {

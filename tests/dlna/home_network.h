@@ -13,6 +13,9 @@
 #include "nubelink.h"
 #include "tests/fakes/temp_dir.h"
 
+/// Looks again and again whether it holds, where nobody tells; false after a long time.
+bool comes_true(const std::function<bool()>& holds);
+
 /// What several threads tell and a test waits for.
 class Signal {
 public:
@@ -104,6 +107,7 @@ public:
 
     /// Waits for its end, and gives the error.
     int wait();
+    bool has_ended();
     /// Waits until progress was told.
     bool wait_for_progress();
 

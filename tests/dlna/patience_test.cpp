@@ -66,4 +66,20 @@ TEST_F(PatienceTest, EndsEverythingThatAServerNeverAnswers) {
     EXPECT_EQ(upload.wait(), NBL_ERROR_TIMEOUT);
 }
 
+TEST_F(PatienceTest, BelievesAServerThatAnswersAfterItsGoodbyeWhenItHasSearchedAgain) {
+    MediaServer server;
+    ASSERT_NE(wait_for(), nullptr);
+    ASSERT_EQ(nbl_devicefinder_refresh(finder), NBL_ERROR_NONE);
+    server.await("M-SEARCH", 1);
+    server.tell({"goodbye"});
+    ASSERT_TRUE(wait_for_event(NBL_DEVICE_EVENT_REMOVED, kFirstId));
+    const long searches = server.count("M-SEARCH");
+
+    EXPECT_TRUE(comes_true([&] {
+        server.tell({"answer"});
+        return !devices().empty();
+    }));
+    EXPECT_GT(server.count("M-SEARCH"), searches);
+}
+
 }  // namespace

@@ -17,6 +17,12 @@ TEST_F(RoundsTest, EndEverythingWithTheServiceInAnyPhase) {
     expect_a_working_service();
 }
 
+TEST_F(RoundsTest, EndEverythingWithTheServerInAnyPhase) {
+    start();
+    lose_rounds(0, kRounds);
+    expect_a_working_service();
+}
+
 TEST_F(RoundsTest, LeaveNothingOpen) {
     start();
     expect_nothing_left(kRounds, 2);

@@ -16,6 +16,9 @@ constexpr char kMediaServer[] = "urn:schemas-upnp-org:device:MediaServer:1";
 constexpr std::string_view kAnyMediaServer = "urn:schemas-upnp-org:device:MediaServer:";
 // Answers come within the second of the MX; descriptions are fetched meanwhile and after it.
 constexpr unsigned kFirstSearch = 1300;
+// Later than any answer to an earlier search.
+constexpr unsigned kAskAgain = 1300;
+constexpr size_t kMostLeft = 256;
 constexpr unsigned kNextLook = 200;
 constexpr unsigned kMostLooks = 5;
 constexpr size_t kLongestId = 200;
@@ -40,6 +43,11 @@ std::string device_id_of(std::string_view name) {
  * One network of this host. The browser searches and tells who is gone, by goodbye or by age; who is there
  * comes from the messages themselves, since the browser is silent where a device that it knows moves to
  * another address.
+ *
+ * A server that starts may say goodbye first, in the name of the one that it was: who is announced again
+ * right after a goodbye is not gone. An answer to a search, though, may have been on its way when its server
+ * said goodbye, and then says nothing: the first answer after a goodbye makes the network ask again, and only
+ * what is answered then counts.
  */
 struct Discovery::Network {
     Network(GUPnPContext* context, Announcements& to);
@@ -51,10 +59,15 @@ struct Discovery::Network {
                            SoupMessageHeaders* headers, Network* self);
     static void on_gone(GSSDPResourceBrowser*, const char* name, Network* self);
     void pass_on_gone();
+    bool is_late_answer(const std::string& device_id);
+    void ask_again();
 
     Announcements& announcements;
     std::set<std::string> gone;
     Timer gone_timer;
+    std::set<std::string> left;  ///< said goodbye, and have not been heard of since
+    Timer again;
+    bool asking_again = false;
     const ObjectPtr<GUPnPContext> client;
     const ObjectPtr<GSSDPResourceBrowser> browser;
 };
@@ -84,10 +97,32 @@ void Discovery::Network::on_message(GSSDPClient*, const char*, unsigned, int, So
         return;
     }
     const std::string device_id = device_id_of(name);
-    if (!device_id.empty() && std::string_view(location).size() <= kLongestLocation &&
-        is_web_address(location)) {
-        self->gone.erase(device_id);
-        self->announcements.on_alive(device_id, location, self);
+    const bool is_answer = subtype == nullptr;
+    if (device_id.empty() || std::string_view(location).size() > kLongestLocation ||
+        !is_web_address(location) || (is_answer && self->is_late_answer(device_id))) {
+        return;
+    }
+    self->gone.erase(device_id);
+    self->left.erase(device_id);
+    self->announcements.on_alive(device_id, location, self);
+}
+
+bool Discovery::Network::is_late_answer(const std::string& device_id) {
+    const bool is_late = left.count(device_id) != 0;
+    if (is_late && !asking_again) {
+        asking_again = true;
+        again.start(kAskAgain, [this] { ask_again(); });
+    }
+    return is_late;
+}
+
+void Discovery::Network::ask_again() {
+    // A search that is still under way is not begun anew.
+    if (gssdp_resource_browser_rescan(browser.get())) {
+        asking_again = false;
+        left.clear();
+    } else {
+        again.start(kAskAgain, [this] { ask_again(); });
     }
 }
 
@@ -95,7 +130,11 @@ void Discovery::Network::on_gone(GSSDPResourceBrowser*, const char* name, Networ
     const std::string device_id = device_id_of(name);
     if (!device_id.empty()) {
         self->gone.insert(device_id);
-        self->gone_timer.start(0, [self] { self->pass_on_gone(); });
+        if (self->left.size() < kMostLeft) {
+            self->left.insert(device_id);
+        }
+        self->gone_timer.start(
+            0, [self] { self->pass_on_gone(); }, Timer::Priority::kAfterAllElse);
     }
 }
 

@@ -64,10 +64,12 @@ void Worker::loop() {
     g_main_context_pop_thread_default(context_.get());
 }
 
-void Timer::start(unsigned milliseconds, std::function<void()> due) {
+void Timer::start(unsigned milliseconds, std::function<void()> due, Priority priority) {
     stop();
     due_ = std::move(due);
     source_.reset(g_timeout_source_new(milliseconds));
+    g_source_set_priority(source_.get(),
+                          priority == Priority::kNormal ? G_PRIORITY_DEFAULT : G_PRIORITY_DEFAULT_IDLE);
     g_source_set_callback(source_.get(), &Timer::on_due, this, nullptr);
     g_source_attach(source_.get(), g_main_context_get_thread_default());
 }

@@ -57,8 +57,11 @@ public:
     Timer(const Timer&) = delete;
     Timer& operator=(const Timer&) = delete;
 
-    /// `due` may end the timer, or start it anew.
-    void start(unsigned milliseconds, std::function<void()> due);
+    enum class Priority { kNormal, kAfterAllElse };
+
+    /// `due` may end the timer, or start it anew. With kAfterAllElse it waits for all else that is ready by
+    /// then.
+    void start(unsigned milliseconds, std::function<void()> due, Priority priority = Priority::kNormal);
     void stop();
 
 private:

@@ -17,6 +17,7 @@
 
 #include "tests/dlna/server/directory_service.h"
 #include "tests/dlna/server/file_service.h"
+#include "tests/dlna/server/presence.h"
 #include "tests/fakes/temp_dir.h"
 
 namespace {
@@ -59,6 +60,7 @@ private:
     std::vector<Command> commands();
     std::vector<Command> content_commands();
     std::string await(const Words& words);
+    std::string announce(bool available, const char* heard_as);
     std::string flood(int count);
     std::string generate(const Words& words);
 
@@ -73,9 +75,11 @@ private:
     GSSDPResourceGroup* flood_ = nullptr;
     std::unique_ptr<DirectoryService> browser_;
     std::unique_ptr<FileService> files_;
+    std::unique_ptr<Presence> presence_;
     GDataInputStream* input_;
     std::string awaited_;
     long awaited_count_ = 0;
+    std::string answer_;  ///< when that is there
 };
 
 Server::Server(const Options& options) : loop_(g_main_loop_new(nullptr, FALSE)) {
@@ -105,18 +109,20 @@ Server::Server(const Options& options) : loop_(g_main_loop_new(nullptr, FALSE)) 
     GSSDPResourceGroup* group = gupnp_root_device_get_ssdp_resource_group(device_);
     gssdp_resource_group_set_max_age(group, static_cast<guint>(options.max_age));
     gssdp_resource_group_set_message_delay(group, 1);
-    gupnp_root_device_set_available(device_, TRUE);
+    presence_ = std::make_unique<Presence>(device_, options.identity.id, journal_);
     journal_.on_change = [this] { check_waiting(); };
     GInputStream* plain = g_unix_input_stream_new(STDIN_FILENO, FALSE);
     input_ = g_data_input_stream_new(plain);
     g_object_unref(plain);
     g_unix_signal_add(SIGTERM, on_signal, this);
     read_line();
-    say("ok " + std::to_string(gupnp_context_get_port(context_)));
+    announce(true, "alive");
+    answer_ = "ok " + std::to_string(gupnp_context_get_port(context_));
 }
 
 Server::~Server() {
     journal_.on_change = nullptr;
+    presence_.reset();
     gupnp_root_device_set_available(device_, FALSE);
     files_.reset();
     browser_.reset();
@@ -181,15 +187,23 @@ void Server::obey(const std::string& line) {
 void Server::check_waiting() {
     if (!awaited_.empty() && journal_.of(awaited_) >= awaited_count_) {
         awaited_.clear();
-        say("ok");
+        say(answer_);
     }
 }
 
 std::string Server::await(const Words& words) {
     awaited_ = words[1];
     awaited_count_ = std::atol(words[2].c_str());
+    answer_ = "ok";
     check_waiting();
     return "";
+}
+
+/// Answered when it was said, to everybody: GSSDP takes its time, and says goodbye before it says anything.
+std::string Server::announce(bool available, const char* heard_as) {
+    const std::string heard = std::to_string(journal_.of(heard_as) + 1);
+    gupnp_root_device_set_available(device_, available ? TRUE : FALSE);
+    return await({"await", heard_as, heard});
 }
 
 std::string Server::flood(int count) {
@@ -249,15 +263,12 @@ std::vector<Server::Command> Server::commands() {
         {"noted", 1, [this](const Words& words) { return "ok " + journal_.noted(words[1]); }},
         // await NAME COUNT: answered when it was asked for so often
         {"await", 2, [this](const Words& words) { return await(words); }},
-        {"goodbye", 0,
+        {"goodbye", 0, [this](const Words&) { return announce(false, "byebye"); }},
+        {"hello", 0, [this](const Words&) { return announce(true, "alive"); }},
+        // answer: to the search that came last, at once, also after a goodbye
+        {"answer", 0,
          [this](const Words&) {
-             gupnp_root_device_set_available(device_, FALSE);
-             return std::string("ok");
-         }},
-        {"hello", 0,
-         [this](const Words&) {
-             gupnp_root_device_set_available(device_, TRUE);
-             return std::string("ok");
+             return std::string(presence_->answer_search() ? "ok" : "error nobody has searched");
          }},
         // flood COUNT: announces so many devices that are none
         {"flood", 1, [this](const Words& words) { return flood(std::atoi(words[1].c_str())); }},
