@@ -32,6 +32,7 @@ function(qra_add_test name)
     gtest_discover_tests(${name}
         TEST_PREFIX ${name}.
         DISCOVERY_MODE PRE_TEST
+        DISCOVERY_TIMEOUT 120
         PROPERTIES ${properties})
 endfunction()
 
