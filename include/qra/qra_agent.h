@@ -385,8 +385,8 @@ QRA_API qra_error_code_e qra_move_to_previous_v2(qra_agent_handler_h hAgent);
  * A move to a packaged film reads the package, once in the life of the process, which may take long. It fails
  * with QRA_ERROR_INTERNAL if the package cannot be read, as does qra_get_item_v2() with
  * QRA_ERROR_INVALID_PARAM. The reading ends with libxml2's xmlCleanupParser(): no other thread of the process
- * may be parsing XML with libxml2 meanwhile, which the host's service for media servers does while one of its
- * lists is under way.
+ * may be parsing XML with libxml2 meanwhile, unless it takes turns by the platform's xml_turn.h. The
+ * library's own threads and the host's services do.
  */
 QRA_API qra_error_code_e qra_move_to_index_v2(qra_agent_handler_h hAgent, int nIndex);
 

@@ -11,20 +11,24 @@
 #include <utility>
 
 #include "common/util/qra_log.h"
-#include "common/util/qra_mutex.h"
 #include "libqra-agent/source/scsa/qra_dmp_xml_check.h"
+#include "xml_turn.h"
 
 namespace {
 
 constexpr int OLDEST_LIBXML2 = 20904;
 
-CQRAMutex g_Libxml2Mutex;
-
-/// The use of libxml2 by one call, under the lock: from its version test to the cleanup of its global state.
+/// The use of libxml2 by one call, in its turn: from the version test to the cleanup of the global state.
 class CLibxml2Use {
 public:
-    CLibxml2Use() { xmlCheckVersion(OLDEST_LIBXML2); }
-    ~CLibxml2Use() { xmlCleanupParser(); }
+    CLibxml2Use() {
+        xml_turn_begin();
+        xmlCheckVersion(OLDEST_LIBXML2);
+    }
+    ~CLibxml2Use() {
+        xmlCleanupParser();
+        xml_turn_end();
+    }
     CLibxml2Use(const CLibxml2Use&) = delete;
     CLibxml2Use& operator=(const CLibxml2Use&) = delete;
 };
@@ -191,7 +195,6 @@ std::string EscapeColons(const std::string& strName) {
 }  // namespace
 
 bool CQRADmpParseXml::ParseDMPMetaData(std::string strXML, _stDMPMETADATA& data) {
-    const CQRALockGuard<CQRAMutex> lock(g_Libxml2Mutex);
     const CLibxml2Use use;
     const CReaderPtr reader = OpenDocument(strXML);
     if (!reader) {
@@ -295,7 +298,6 @@ bool CQRADmpParseXml::ParseDMPTableOfContents(std::string strXML, std::string& s
 
 bool CQRADmpParseXml::m_ReadTableOfContents(std::string strXML, std::string& strName) {
     QRA_LOG_TRACE(QRA_TAG_DMP, "TableOfContents strXML : \n%s\n", strXML.c_str());
-    const CQRALockGuard<CQRAMutex> lock(g_Libxml2Mutex);
     const CLibxml2Use use;
     const CReaderPtr reader = OpenDocument(strXML);
     if (!reader) {

@@ -15,10 +15,9 @@ struct _xmlTextReader;
  * leaves its field as it was. NULs at the end of a text are cut.
  *
  * No state of its own. Each call ends with xmlCleanupParser(), which takes libxml2's global state from under
- * every parse that runs on another thread, so that the process crashes. Therefore one lock, held through each
- * call, makes all uses of libxml2 in this library take turns. It knows nothing of other users of libxml2 in
- * the process: a host that parses XML on a thread of its own has to keep its own turns with the calls that
- * move a list's cursor.
+ * every parse that runs on another thread, so that the process crashes. Therefore each call holds the
+ * process's turn at libxml2 (xml_turn.h), as the host's service for media servers does. Who uses libxml2 on
+ * a thread of its own and does not take turns has to keep away from calls that move a list's cursor.
  */
 class CQRADmpParseXml {
 public:

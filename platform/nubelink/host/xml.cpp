@@ -7,12 +7,22 @@
 #include <climits>
 
 #include "platform/nubelink/host/glib_ptr.h"
+#include "xml_turn.h"
 
 namespace nbl {
 
 namespace {
 
 using ParserPtr = std::unique_ptr<xmlParserCtxt, Release<xmlFreeParserCtxt>>;
+
+/// Somebody else in the process may clean up libxml2's global state, but not meanwhile.
+class XmlTurn {
+public:
+    XmlTurn() { xml_turn_begin(); }
+    ~XmlTurn() { xml_turn_end(); }
+    XmlTurn(const XmlTurn&) = delete;
+    XmlTurn& operator=(const XmlTurn&) = delete;
+};
 
 std::string_view view_of(const xmlChar* text) {
     return text ? reinterpret_cast<const char*>(text) : std::string_view();
@@ -105,6 +115,7 @@ bool read_xml(std::string_view document, XmlHandler& handler) {
     if (document.empty() || document.size() > INT_MAX) {
         return false;
     }
+    const XmlTurn turn;
     const ParserPtr context(xmlCreateMemoryParserCtxt(document.data(), static_cast<int>(document.size())));
     if (context == nullptr) {
         return false;

@@ -48,6 +48,9 @@ constexpr int kDeepestXml = 64;
  * all the same. A document type ends the reading, and with it entities, attribute defaults and everything
  * that makes a parser fetch or expand; so do elements that lie deeper than kDeepestXml.
  *
+ * Holds the process's turn at libxml2 (xml_turn.h) all the while: `handler` must not wait for anybody, nor
+ * read another document.
+ *
  * @param document  UTF-8 as mend_xml() leaves it; an encoding that it declares is not looked at
  * @return whether it was well-formed to its end
  */
