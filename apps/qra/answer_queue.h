@@ -31,6 +31,15 @@ public:
         return take();
     }
 
+    /// The next answer; nothing after that point in time, or after a signal that ends the tool.
+    std::optional<Answer> next_before(std::chrono::steady_clock::time_point end) {
+        const interrupt::Reaction wake = wake_on_interrupt();
+        std::unique_lock<std::mutex> lock(mutex_);
+        const bool woken =
+            changed_.wait_until(lock, end, [this] { return interrupted_ || !answers_.empty(); });
+        return woken ? take() : std::nullopt;
+    }
+
     /// The next answer. @throws CommandError if none has come in time, or a signal ends the tool
     Answer next_within(std::chrono::seconds time) {
         const interrupt::Reaction wake = wake_on_interrupt();

@@ -1,14 +1,11 @@
-#include <json/json.h>
 #include <qra/qra_content_agent.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cctype>
 #include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
+#include <variant>
 #include <vector>
 
 #include "apps/qra/answer_queue.h"
@@ -16,16 +13,19 @@
 #include "apps/qra/commands.h"
 #include "apps/qra/device_view.h"
 #include "apps/qra/engine_access.h"
+#include "apps/qra/engine_watch.h"
+#include "apps/qra/interrupt.h"
 #include "apps/qra/main_loop_thread.h"
-#include "apps/qra/media_drives.h"
-#include "apps/qra/media_path.h"
 #include "apps/qra/output.h"
 #include "apps/qra/request_error.h"
-#include "apps/qra/terminal_text.h"
 
 namespace {
 
-using DeviceEvents = AnswerQueue<DeviceLine>;
+using WatchEvent = std::variant<DeviceLine, EngineState>;
+using WatchEvents = AnswerQueue<WatchEvent>;
+
+/// An engine that ends as soon as it is started is not started more often than that.
+constexpr std::chrono::seconds kPauseBetweenStarts(1);
 
 std::string event_name(int event) {
     switch (event) {
@@ -39,11 +39,11 @@ std::string event_name(int event) {
 }
 
 void on_usb_event(void* events, int event, qra_storage_h storage) {
-    static_cast<DeviceEvents*>(events)->give(device_line(event_name(event), storage, false));
+    static_cast<WatchEvents*>(events)->give(device_line(event_name(event), storage, false));
 }
 
 void on_bd_event(void* events, int event, qra_storage_h storage) {
-    static_cast<DeviceEvents*>(events)->give(device_line(event_name(event), storage, true));
+    static_cast<WatchEvents*>(events)->give(device_line(event_name(event), storage, true));
 }
 
 /// Which devices the user wants to see, and how.
@@ -63,10 +63,20 @@ public:
         }
     }
 
-    void show_all(qra_storage_list_h list, bool optical) const {
-        for (int i = 0; i < qra_storage_get_list_count(list); ++i) {
-            show(device_line("present", qra_storage_get_storage(i, list), optical));
+    void show_all(const std::vector<DeviceLine>& devices) const {
+        for (const DeviceLine& device : devices) {
+            show(device);
         }
+        flush_output();
+    }
+
+    void show_engine(bool runs) const {
+        if (json_) {
+            print(runs ? "{\"event\":\"engine-back\"}\n" : "{\"event\":\"engine-ended\"}\n");
+        } else {
+            print(runs ? "the content engine is back\n" : "the content engine ended\n");
+        }
+        flush_output();
     }
 
 private:
@@ -76,207 +86,139 @@ private:
 
 using StorageList = std::unique_ptr<_qra_storage_list_s, decltype(&qra_storage_list_destory)>;
 
-void show_devices(const DeviceOutput& output) {
-    qra_storage_list_h list = nullptr;
-    if (output.wants_usb()) {
-        check("devices", qra_get_usb_list(QRA_STORAGE_DEVICE_ALL, &list));
-        output.show_all(StorageList(list, &qra_storage_list_destory).get(), false);
+void add_devices(const StorageList& list, bool optical, std::vector<DeviceLine>& devices) {
+    for (int i = 0; i < qra_storage_get_list_count(list.get()); ++i) {
+        devices.push_back(device_line("present", qra_storage_get_storage(i, list.get()), optical));
     }
-    if (output.wants("bd")) {
-        check("devices", qra_get_bd_list(&list));
-        output.show_all(StorageList(list, &qra_storage_list_destory).get(), true);
-    }
-    flush_output();
 }
 
-/// Has events told while it lives.
+/// Those that are there.
+qra_error_code_e get_devices(const DeviceOutput& output, std::vector<DeviceLine>& devices) {
+    qra_storage_list_h list = nullptr;
+    if (output.wants_usb()) {
+        const qra_error_code_e code = qra_get_usb_list(QRA_STORAGE_DEVICE_ALL, &list);
+        if (code != QRA_ERROR_NONE) {
+            return code;
+        }
+        add_devices(StorageList(list, &qra_storage_list_destory), false, devices);
+    }
+    if (output.wants("bd")) {
+        const qra_error_code_e code = qra_get_bd_list(&list);
+        if (code != QRA_ERROR_NONE) {
+            return code;
+        }
+        add_devices(StorageList(list, &qra_storage_list_destory), true, devices);
+    }
+    return QRA_ERROR_NONE;
+}
+
+/// Shows what is there and what comes and goes. Once the engine has ended it starts it again, where the bus
+/// can, or waits until somebody else does.
 class DeviceWatch {
 public:
-    DeviceWatch(const DeviceOutput& output, DeviceEvents& events) {
-        if (output.wants_usb()) {
-            check("devices", qra_set_usb_callback(on_usb_event, &events));
-            unset_.push_back(&qra_unset_usb_callback);
+    DeviceWatch(const DeviceOutput& output, WatchEvents& events) : output_(output), events_(events) {}
+    ~DeviceWatch() {
+        if (tells_usb_) {
+            qra_unset_usb_callback();
         }
-        if (output.wants("bd")) {
-            set_bd_callback(events);
+        if (tells_bd_) {
+            qra_unset_bd_callback();
         }
     }
-    ~DeviceWatch() { unset(); }
     DeviceWatch(const DeviceWatch&) = delete;
     DeviceWatch& operator=(const DeviceWatch&) = delete;
 
+    /// Until a signal ends the tool.
+    void run() {
+        const EngineWatch engine([&events = events_](EngineState state) { events.give(state); });
+        events_.next();  // what the engine's state was before this asks it anything
+        check("devices", begin());
+        while (!interrupt::requested()) {
+            const std::optional<WatchEvent> event =
+                wants_engine_ ? events_.next_before(last_begin_ + kPauseBetweenStarts) : events_.next();
+            if (event) {
+                std::visit([this](const auto& change) { take(change); }, *event);
+            } else if (!interrupt::requested()) {
+                static_cast<void>(begin());  // an engine that does not answer yet is waited for
+            }
+        }
+    }
+
 private:
-    void set_bd_callback(DeviceEvents& events) {
-        const qra_error_code_e code = qra_set_bd_callback(on_bd_event, &events);
+    /// Has events told, then shows what is there, so that nothing is missed between the two.
+    qra_error_code_e begin() {
+        wants_engine_ = false;
+        last_begin_ = std::chrono::steady_clock::now();
+        std::vector<DeviceLine> devices;
+        qra_error_code_e code = set_callbacks();
+        if (code == QRA_ERROR_NONE) {
+            code = get_devices(output_, devices);
+        }
         if (code != QRA_ERROR_NONE) {
-            unset();
-            check("devices", code);
+            return code;
         }
-        unset_.push_back(&qra_unset_bd_callback);
-    }
-
-    void unset() {
-        for (const auto function : unset_) {
-            function();
+        is_watching_ = true;
+        if (has_ended_) {
+            has_ended_ = false;
+            output_.show_engine(true);
         }
+        output_.show_all(devices);
+        return QRA_ERROR_NONE;
     }
 
-    std::vector<qra_error_code_e (*)()> unset_;
+    qra_error_code_e set_callbacks() {
+        qra_error_code_e code = QRA_ERROR_NONE;
+        if (output_.wants_usb()) {
+            code = qra_set_usb_callback(on_usb_event, &events_);
+            tells_usb_ = code == QRA_ERROR_NONE;
+        }
+        if (code == QRA_ERROR_NONE && output_.wants("bd")) {
+            code = qra_set_bd_callback(on_bd_event, &events_);
+            tells_bd_ = code == QRA_ERROR_NONE;
+        }
+        return code;
+    }
+
+    void take(const DeviceLine& device) {
+        output_.show(device);
+        flush_output();
+    }
+
+    void take(EngineState state) {
+        if (state == EngineState::NoBus) {
+            throw CommandError(ExitStatus::ServiceMissing, "the message bus ended");
+        }
+        const bool runs = state == EngineState::Running;
+        if (!runs && is_watching_) {
+            output_.show_engine(false);
+            has_ended_ = true;
+        }
+        wants_engine_ = wants_engine_ || runs != is_watching_;
+        is_watching_ = is_watching_ && runs;
+    }
+
+    const DeviceOutput& output_;
+    WatchEvents& events_;
+    bool tells_usb_ = false;
+    bool tells_bd_ = false;
+    bool is_watching_ = false;   ///< the engine that runs tells events
+    bool has_ended_ = false;     ///< the engine has, and the user was told
+    bool wants_engine_ = false;  ///< to begin again, as soon as that may be
+    std::chrono::steady_clock::time_point last_begin_;
 };
-
-/// Where a folder stands below the media root.
-std::string find_media_path(const std::string& path) {
-    MediaDrives drives;
-    return media_path(drives, path);
-}
-
-struct CheckResult {
-    qra_event_e event;
-    std::string text;
-};
-
-bool on_device_checked(void* results, CQRADeviceCheckHandle*, qra_event_e event, const char* text) {
-    static_cast<AnswerQueue<CheckResult>*>(results)->give({event, text != nullptr ? text : ""});
-    return true;
-}
-
-using DeviceCheck = std::unique_ptr<CQRADeviceCheckHandle, decltype(&qra_stop_checking_device_v2)>;
-
-void print_check(const std::string& path, const CheckResult& result) {
-    Json::Value object(Json::objectValue);
-    object["path"] = path;
-    object["event"] = result.event;
-    object["text"] = result.text;
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    print(Json::writeString(builder, object) + "\n");
-}
-
-bool on_thumb(void* answers, CQRAFolderThumbHandle*, const char* text) {
-    static_cast<AnswerQueue<std::string>*>(answers)->give(text);
-    return true;
-}
-
-/// "image" is short for "CONTENT-IMAGE".
-std::string full_content_type(const std::string& type) {
-    const std::string prefix = "CONTENT-";
-    if (type.rfind(prefix, 0) == 0) {
-        return type;
-    }
-    std::string upper = type;
-    std::transform(upper.begin(), upper.end(), upper.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return prefix + upper;
-}
-
-/// A request for a folder's thumbnail, taken back if it has not been answered.
-class ThumbRequest {
-public:
-    ThumbRequest(std::string path, std::string content_type, int count, AnswerQueue<std::string>& answers)
-        : path_(std::move(path)), content_type_(std::move(content_type)), count_(count) {
-        check("thumbs", qra_request_folder_thumbnail_path(path_.data(), content_type_.data(), count_,
-                                                          on_thumb, &answers, &handle_));
-    }
-    ~ThumbRequest() {
-        // Gives a code, and does nothing, for a request that was answered.
-        qra_cancel_request_folder_thumbnail_path(path_.data(), content_type_.data(), count_, handle_);
-    }
-    ThumbRequest(const ThumbRequest&) = delete;
-    ThumbRequest& operator=(const ThumbRequest&) = delete;
-
-private:
-    std::string path_;
-    std::string content_type_;
-    const int count_;
-    CQRAFolderThumbHandle* handle_ = nullptr;
-};
-
-constexpr int kShowsMedia = 0;
-constexpr int kShowsFolders = 1;
-
-/// @throws CommandError if it is none, or tells of a failure
-Json::Value read_thumb(const std::string& text) {
-    Json::Value thumb;
-    std::string problem;
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    if (!reader->parse(text.data(), text.data() + text.size(), &thumb, &problem) || !thumb.isObject()) {
-        throw CommandError(ExitStatus::RequestFailed, "the answer cannot be read");
-    }
-    const Json::Value& code = thumb["qra_folder_thumbnail_error_code"];
-    if (!code.isInt() || code.asInt() != 0 || !thumb["qra_folder_thumbnail_type"].isInt()) {
-        throw CommandError(ExitStatus::RequestFailed, "the folder could not be read or scanned");
-    }
-    return thumb;
-}
-
-void print_thumb(const Json::Value& thumb) {
-    const int type = thumb["qra_folder_thumbnail_type"].asInt();
-    if (type != kShowsMedia) {
-        print(type == kShowsFolders ? "no media, only folders\n" : "empty\n");
-        return;
-    }
-    const bool for_a_person = isatty(STDOUT_FILENO) == 1;
-    for (const Json::Value& item : thumb["qra_folder_thumbnail_items"]) {
-        const std::string path = item.isString() ? item.asString() : "";
-        print((for_a_person ? printable_text(path) : path) + "\n");
-    }
-}
 
 }  // namespace
 
 void run_devices(const CommandLine& line) {
+    WatchEvents events;  // outlives the loop whose thread fills it
     const EngineAccess engine;
     const MainLoopThread loop;
     const DeviceOutput output(line);
-    if (!line.devices.watch) {
-        show_devices(output);
+    if (line.devices.watch) {
+        DeviceWatch(output, events).run();
         return;
     }
-    DeviceEvents events;
-    // Before the list, so that nothing is missed between the two.
-    const DeviceWatch watch(output, events);
-    show_devices(output);
-    while (const std::optional<DeviceLine> event = events.next()) {
-        output.show(*event);
-        flush_output();
-    }
-}
-
-void run_check_device(const CommandLine& line) {
-    const EngineAccess engine;
-    const MainLoopThread loop;
-    const std::string path = find_media_path(line.path);
-    AnswerQueue<CheckResult> results;
-    CQRADeviceCheckHandle* handle = nullptr;
-    check("check-device", qra_check_device_v2(path.c_str(), on_device_checked, &results, &handle));
-    const DeviceCheck owner(handle, &qra_stop_checking_device_v2);
-    const CheckResult result = results.next_within(std::chrono::seconds(line.devices.timeout));
-    if (line.json) {
-        print_check(path, result);
-    }
-    if (result.event != QRA_EVENT_LIST_SUCCESS) {
-        throw CommandError(ExitStatus::RequestFailed, "the scan failed: " + printable_text(result.text));
-    }
-    if (!line.json) {
-        print(printable_text(path) + " is scanned\n");
-    }
-}
-
-void run_thumbs(const CommandLine& line) {
-    const EngineAccess engine;
-    const MainLoopThread loop;
-    AnswerQueue<std::string> answers;
-    std::string answer;
-    {
-        const ThumbRequest request(find_media_path(line.path), full_content_type(line.devices.content_type),
-                                   line.devices.count, answers);
-        answer = answers.next_within(std::chrono::seconds(line.devices.timeout));
-    }
-    if (line.json) {
-        print(answer);
-    }
-    const Json::Value thumb = read_thumb(answer);
-    if (!line.json) {
-        print_thumb(thumb);
-    }
+    std::vector<DeviceLine> devices;
+    check("devices", get_devices(output, devices));
+    output.show_all(devices);
 }

@@ -56,9 +56,7 @@ RemoteList::~RemoteList() {
 }
 
 void RemoteList::end() {
-    if (engine_watch_ != 0) {
-        g_bus_unwatch_name(engine_watch_);
-    }
+    engine_watch_.reset();
     qra_disconnect_v2(handle_);
 }
 
@@ -80,8 +78,11 @@ void RemoteList::send(const ListOptions& options, const RemoteFolder& folder) {
                                                           "; `qra account list` shows yours");
     }
     check("list request", code);
-    engine_watch_ = g_bus_watch_name(G_BUS_TYPE_SYSTEM, kEngineName, G_BUS_NAME_WATCHER_FLAGS_NONE, nullptr,
-                                     on_engine_gone, this, nullptr);
+    engine_watch_.emplace([this](EngineState state) {
+        if (state != EngineState::Running) {
+            answers_.give({std::nullopt, ""});
+        }
+    });
 }
 
 void RemoteList::lay_out(const ListOptions& options) {
@@ -93,10 +94,6 @@ void RemoteList::lay_out(const ListOptions& options) {
 bool RemoteList::on_list(void* list, CQRAAgentHandle*, qra_event_e event, int, const char* text) {
     static_cast<RemoteList*>(list)->answers_.give({event, text != nullptr ? text : ""});
     return true;
-}
-
-void RemoteList::on_engine_gone(GDBusConnection*, const char*, gpointer list) {
-    static_cast<RemoteList*>(list)->answers_.give({std::nullopt, ""});
 }
 
 RemoteList::Answer RemoteList::next_answer() {

@@ -1,7 +1,6 @@
 #ifndef QRA_APPS_QRA_REMOTE_LIST_H
 #define QRA_APPS_QRA_REMOTE_LIST_H
 
-#include <gio/gio.h>
 #include <qra/qra_content_agent.h>
 
 #include <chrono>
@@ -10,6 +9,7 @@
 
 #include "apps/qra/answer_queue.h"
 #include "apps/qra/engine_access.h"
+#include "apps/qra/engine_watch.h"
 #include "apps/qra/list_request.h"
 #include "apps/qra/main_loop_thread.h"
 
@@ -57,7 +57,6 @@ private:
 
     static bool on_list(void* list, CQRAAgentHandle* handle, qra_event_e event, int id, const char* text);
     static bool on_detail(void* list, CQRAAgentHandle* handle, int id, qra_event_e event, const char* text);
-    static void on_engine_gone(GDBusConnection* bus, const char* name, gpointer list);
     void send(const ListOptions& options, const RemoteFolder& folder);
     void lay_out(const ListOptions& options);
     void end();
@@ -71,7 +70,7 @@ private:
     AnswerQueue<Answer> answers_;  // outlives the loop whose thread fills it
     EngineAccess engine_;
     MainLoopThread loop_;
-    guint engine_watch_ = 0;
+    std::optional<EngineWatch> engine_watch_;
     qra_agent_handler_h handle_ = nullptr;
     int count_ = 0;
 };

@@ -12,7 +12,7 @@ import subprocess
 import threading
 import unittest
 
-from cli_tool import ENGINE, FAILED, MISSING, QRA, SUCCESS, USAGE, ToolTest, png, wav
+from cli_tool import FAILED, MISSING, USAGE, ToolTest, png, wav
 
 FOLDER, IMAGE, MUSIC = 1, 2, 5
 
@@ -72,26 +72,6 @@ class CloudToolTest(ToolTest):
         self.addCleanup(server.server_close)
         self.addCleanup(server.shutdown)
         self.add_account("cloud", f"http://127.0.0.1:{server.server_port}/")
-
-    def start_tool(self, *arguments):
-        """The tool with an engine whose process id comes to stand in the file "engine-pid"."""
-        engine = self.directory / "engine"
-        engine.write_text(f'#!/bin/sh\necho $$ > "{self.directory}/pid-in-work"\n'
-                          f'mv "{self.directory}/pid-in-work" "{self.directory}/engine-pid"\nexec "{ENGINE}"\n')
-        engine.chmod(0o755)
-        tool = subprocess.Popen([QRA, *arguments], env=dict(self.environment, QRA_ENGINE=str(engine)),
-                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        self.addCleanup(tool.wait)
-        self.addCleanup(tool.kill)
-        self.addCleanup(tool.stdout.close)
-        self.addCleanup(tool.stderr.close)
-        timer = threading.Timer(120, tool.kill)
-        timer.start()
-        self.addCleanup(timer.cancel)
-        return tool
-
-    def kill_engine(self):
-        os.kill(int((self.directory / "engine-pid").read_text()), signal.SIGKILL)
 
     def cloud(self, *arguments):
         return self.tiles("--source", "CloudSource", "--plugin", "cloud", *arguments)

@@ -4,13 +4,13 @@
 Usage: cli_device_test.py QRA ENGINE SILENT_ENGINE [TEST...]
 """
 import json
+import os
 import signal
-import subprocess
 import sys
-import threading
 import unittest
+from pathlib import Path
 
-from cli_tool import FAILED, MISSING, QRA, SUCCESS, USAGE, ToolTest, png, wav
+from cli_tool import FAILED, MISSING, SUCCESS, USAGE, ToolTest, png, wav
 
 SILENT_ENGINE = sys.argv.pop(1)
 IMAGE = 2
@@ -34,23 +34,17 @@ class DevicesTest(ToolTest):
         return [json.loads(line) for line in self.stdout("devices", "--json", *arguments, **environment).splitlines()]
 
     def start_watch(self, *arguments, **environment):
-        watch = subprocess.Popen([QRA, "devices", "--watch", *arguments], env=dict(self.environment, **environment),
-                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        self.addCleanup(watch.wait)
-        self.addCleanup(watch.kill)
-        self.addCleanup(watch.stdout.close)
-        self.addCleanup(watch.stderr.close)
-        return watch
+        return self.start_tool("devices", "--watch", "--type", "usb", *arguments, **environment)
 
     def line_of(self, watch):
-        """The next line, which has to come within a minute."""
-        timer = threading.Timer(60, watch.kill)
-        timer.start()
-        self.addCleanup(timer.cancel)
         line = watch.stdout.readline().decode()
-        timer.cancel()
         self.assertNotEqual("", line, "nothing came")
         return line
+
+    def event_of(self, watch):
+        """The next event, with the place of the device that it is about."""
+        event = json.loads(self.line_of(watch))
+        return event["event"], event.get("mountPath")
 
     def test_attached_drive_is_a_device(self):
         self.qra("attach", self.tree)
@@ -84,7 +78,7 @@ class DevicesTest(ToolTest):
         other = self.directory / "other"
         other.mkdir()
         self.qra("attach", self.tree)
-        watch = self.start_watch("--type", "usb", "--json")
+        watch = self.start_watch("--json")
         self.assertEqual("present", json.loads(self.line_of(watch))["event"])
         self.qra("attach", other)
         came = json.loads(self.line_of(watch))
@@ -98,10 +92,52 @@ class DevicesTest(ToolTest):
 
     def test_watch_in_words_begins_with_the_event(self):
         self.qra("attach", self.tree)
-        watch = self.start_watch("--type", "usb")
+        watch = self.start_watch()
+        self.assertRegex(self.line_of(watch), "^present  usb  ")
+        self.kill_engine()
+        self.assertEqual("the content engine ended\n", self.line_of(watch))
+        self.assertEqual("the content engine is back\n", self.line_of(watch))
         self.assertRegex(self.line_of(watch), "^present  usb  ")
         self.qra("detach", "USBDrive1")
         self.assertRegex(self.line_of(watch), "^detached  usb  ")
+
+    def test_watch_starts_an_engine_that_was_killed_and_goes_on(self):
+        other = self.directory / "other"
+        other.mkdir()
+        self.qra("attach", self.tree)
+        watch = self.start_watch("--json")
+        present = ("present", self.media_path())
+        self.assertEqual(present, self.event_of(watch))
+        for _ in range(2):
+            self.kill_engine()
+            self.assertEqual([("engine-ended", None), ("engine-back", None), present],
+                             [self.event_of(watch) for _ in range(3)])
+        self.qra("attach", other)
+        self.assertEqual(("attached", self.media_path("USBDrive2")), self.event_of(watch))
+
+    def test_watch_waits_for_an_engine_that_somebody_else_starts(self):
+        self.qra("attach", self.tree)
+        watch = self.start_watch("--json")
+        present = ("present", self.media_path())
+        self.assertEqual(present, self.event_of(watch))
+        engine = self.directory / "engine"
+        engine.rename(self.directory / "moved")
+        self.kill_engine()
+        self.assertEqual(("engine-ended", None), self.event_of(watch))
+        [bus] = self.temporary.glob("qra-bus-*/socket")
+        (self.directory / "moved").rename(engine)
+        self.assertEqual([self.media_path()], [device["mountPath"] for device in self.devices(
+            "--type", "usb", DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={bus}")])
+        self.assertEqual([("engine-back", None), present], [self.event_of(watch) for _ in range(2)])
+
+    def test_watch_ends_with_the_bus(self):
+        self.qra("attach", self.tree)
+        watch = self.start_watch()
+        self.line_of(watch)
+        [bus] = Path(f"/proc/{watch.pid}/task/{watch.pid}/children").read_text().split()
+        os.kill(int(bus), signal.SIGKILL)
+        self.assertEqual(b"qra: the message bus ended\n", watch.stderr.read())
+        self.assertEqual(MISSING, watch.wait(60))
 
     def test_watch_that_the_engine_refuses_fails(self):
         self.assert_fails(FAILED, "devices: this build does not serve", "devices", "--watch",

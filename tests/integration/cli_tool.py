@@ -8,10 +8,12 @@ import os
 import pty
 import re
 import select
+import signal
 import struct
 import subprocess
 import sys
 import tempfile
+import threading
 import unittest
 import wave
 import zlib
@@ -103,6 +105,29 @@ class ToolTest(unittest.TestCase):
                                 capture_output=True, timeout=60)
         self.assertEqual(status, result.returncode, result)
         return result
+
+    def start_tool(self, *arguments, **environment):
+        """The tool in the background, for two minutes at the most. Without an engine of its own it has one whose
+        process id stands in a file, for kill_engine()."""
+        engine = self.directory / "engine"
+        engine.write_text(f'#!/bin/sh\necho $$ > "{self.directory}/pid-in-work"\n'
+                          f'mv "{self.directory}/pid-in-work" "{self.directory}/engine-pid"\nexec "{ENGINE}"\n')
+        engine.chmod(0o755)
+        tool = subprocess.Popen([QRA, *arguments],
+                                env=dict(self.environment, **{"QRA_ENGINE": str(engine), **environment}),
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        self.addCleanup(tool.wait)
+        self.addCleanup(tool.kill)
+        self.addCleanup(tool.stdout.close)
+        self.addCleanup(tool.stderr.close)
+        timer = threading.Timer(120, tool.kill)
+        timer.start()
+        self.addCleanup(timer.cancel)
+        return tool
+
+    def kill_engine(self):
+        """Ends the engine that a tool started by start_tool() has."""
+        os.kill(int((self.directory / "engine-pid").read_text()), signal.SIGKILL)
 
     def stdout(self, *arguments, **environment):
         return self.qra(*arguments, **environment).stdout.decode()
