@@ -130,7 +130,7 @@ public:
 
     /// Until a signal ends the tool.
     void run() {
-        const EngineWatch engine([&events = events_](EngineState state) { events.give(state); });
+        const EngineWatch<WatchEvent> engine(events_);
         events_.next();  // what the engine's state was before this asks it anything
         check("devices", begin());
         while (!interrupt::requested()) {

@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 #include "apps/qra/exit_status.h"
 #include "apps/qra/output.h"
@@ -41,7 +42,7 @@ RemoteList::RemoteList(const ListOptions& options, const RemoteFolder& folder,
     : longest_wait_(longest_wait) {
     try {
         send(options, folder);
-        const Answer first = next_answer();
+        const Event first = next_event();
         if (first.event == QRA_EVENT_LIST_SUCCESS) {
             lay_out(options);
         }
@@ -78,11 +79,7 @@ void RemoteList::send(const ListOptions& options, const RemoteFolder& folder) {
                                                           "; `qra account list` shows yours");
     }
     check("list request", code);
-    engine_watch_.emplace([this](EngineState state) {
-        if (state != EngineState::Running) {
-            answers_.give({std::nullopt, ""});
-        }
-    });
+    engine_watch_.emplace(answers_);
 }
 
 void RemoteList::lay_out(const ListOptions& options) {
@@ -92,26 +89,30 @@ void RemoteList::lay_out(const ListOptions& options) {
 }
 
 bool RemoteList::on_list(void* list, CQRAAgentHandle*, qra_event_e event, int, const char* text) {
-    static_cast<RemoteList*>(list)->answers_.give({event, text != nullptr ? text : ""});
+    static_cast<RemoteList*>(list)->answers_.give(Event{event, text != nullptr ? text : ""});
     return true;
 }
 
-RemoteList::Answer RemoteList::next_answer() {
+RemoteList::Event RemoteList::next_event() {
     Answer answer = answers_.next_within(longest_wait_);
-    if (!answer.event) {
-        throw CommandError(ExitStatus::ServiceMissing,
-                           "the content engine ended before its answer was complete");
+    while (const EngineState* const state = std::get_if<EngineState>(&answer)) {
+        if (*state != EngineState::Running) {
+            throw CommandError(ExitStatus::ServiceMissing,
+                               "the content engine ended before its answer was complete");
+        }
+        answer = answers_.next_within(longest_wait_);
     }
-    if (answer.event == QRA_EVENT_LIST_FAILED) {
+    Event event = std::get<Event>(std::move(answer));
+    if (event.event == QRA_EVENT_LIST_FAILED) {
         throw CommandError(ExitStatus::RequestFailed,
-                           answer.text.empty() ? "the list request failed" : printable_text(answer.text));
+                           event.text.empty() ? "the list request failed" : printable_text(event.text));
     }
-    return answer;
+    return event;
 }
 
 void RemoteList::wait_for_section() {
     flush_output();
-    next_answer();
+    next_event();
 }
 
 template <typename Call>
@@ -136,7 +137,7 @@ void RemoteList::move_to(int index) {
 }
 
 bool RemoteList::on_detail(void* list, CQRAAgentHandle*, int, qra_event_e event, const char* text) {
-    static_cast<RemoteList*>(list)->answers_.give({event, text != nullptr ? text : ""});
+    static_cast<RemoteList*>(list)->answers_.give(Event{event, text != nullptr ? text : ""});
     return true;
 }
 
@@ -148,7 +149,7 @@ std::string RemoteList::detail_of_first() {
                                                                                    &qra_destroy_detail_param);
     check("detail", qra_request_detail_v2(handle_, raw, this, on_detail));
     for (;;) {
-        const Answer answer = next_answer();
+        const Event answer = next_event();
         if (answer.event == QRA_EVENT_DETAIL_SUCCESS) {
             return with_line_feed(answer.text);
         }

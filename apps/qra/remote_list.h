@@ -6,6 +6,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <variant>
 
 #include "apps/qra/answer_queue.h"
 #include "apps/qra/engine_access.h"
@@ -50,17 +51,18 @@ public:
     qra_agent_handler_h handle() const { return handle_; }
 
 private:
-    struct Answer {
-        std::optional<qra_event_e> event;  ///< none: the engine has ended
+    struct Event {
+        qra_event_e event;
         std::string text;
     };
+    using Answer = std::variant<Event, EngineState>;
 
     static bool on_list(void* list, CQRAAgentHandle* handle, qra_event_e event, int id, const char* text);
     static bool on_detail(void* list, CQRAAgentHandle* handle, int id, qra_event_e event, const char* text);
     void send(const ListOptions& options, const RemoteFolder& folder);
     void lay_out(const ListOptions& options);
     void end();
-    Answer next_answer();
+    Event next_event();
     void wait_for_section();
     /// Calls until the item's section is there.
     template <typename Call>
@@ -70,7 +72,7 @@ private:
     AnswerQueue<Answer> answers_;  // outlives the loop whose thread fills it
     EngineAccess engine_;
     MainLoopThread loop_;
-    std::optional<EngineWatch> engine_watch_;
+    std::optional<EngineWatch<Answer>> engine_watch_;
     qra_agent_handler_h handle_ = nullptr;
     int count_ = 0;
 };

@@ -90,8 +90,8 @@ bool EngineProcess::has_ended() {
     return status_ >= 0;
 }
 
-int EngineProcess::scanning_threads() const {
-    const std::string tasks = "/proc/" + std::to_string(pid_) + "/task";
+int scanning_threads_of(pid_t engine) {
+    const std::string tasks = "/proc/" + std::to_string(engine) + "/task";
     const std::unique_ptr<DIR, int (*)(DIR*)> threads(opendir(tasks.c_str()), closedir);
     int count = 0;
     while (const dirent* thread = threads ? readdir(threads.get()) : nullptr) {

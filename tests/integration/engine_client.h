@@ -3,6 +3,7 @@
 
 #include <gio/gio.h>
 #include <json/json.h>
+#include <sys/types.h>
 
 #include <functional>
 #include <memory>
@@ -17,6 +18,9 @@ bool wait_until(const std::function<bool()>& is_so);
 /// A connection of its own to the bus that stands in for the system bus.
 engine::ConnectionPtr connect_to_bus();
 
+/// How many threads of an engine scan folders.
+int scanning_threads_of(pid_t engine);
+
 /// A content engine as a process of the test's own, with the test's environment. Ends with the object.
 class EngineProcess {
 public:
@@ -29,8 +33,7 @@ public:
     void kill();
     /// Whether it has ended by itself, and well.
     bool has_ended();
-    /// How many threads of it scan folders.
-    int scanning_threads() const;
+    int scanning_threads() const { return scanning_threads_of(pid_); }
 
 private:
     pid_t pid_;

@@ -1,16 +1,17 @@
 // Scans that clients ask the engine for, on a bus of its own (scripts/with-bus).
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "media_content.h"
 #include "media_content_admin.h"
 #include "tests/fakes/temp_dir.h"
 #include "tests/integration/engine_client.h"
+#include "tests/integration/held_scans.h"
 
 namespace {
 
@@ -44,23 +45,8 @@ protected:
         return folder.empty() ? drive_ : drive_ + "/" + folder;
     }
 
-    /// From here on every scan of whatever process waits, like one of a drive that is slow.
-    void hold_scans() {
-        char* database = nullptr;
-        ASSERT_EQ(0, media_content_admin_database_path(&database));
-        held_ = open((std::string(database) + ".scan-lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-        free(database);
-        struct flock all = {};
-        all.l_type = F_WRLCK;
-        all.l_whence = SEEK_SET;
-        ASSERT_EQ(0, fcntl(held_, F_OFD_SETLK, &all)) << strerror(errno);
-    }
-    void release_scans() {
-        if (held_ >= 0) {
-            close(held_);
-            held_ = -1;
-        }
-    }
+    void hold_scans() { held_.emplace(); }
+    void release_scans() { held_.reset(); }
 
     /// The id of a scan of a folder and all below it; 0 if it was not started.
     static unsigned start_check(EngineClient& client, const std::string& path,
@@ -126,7 +112,7 @@ protected:
     const TempDir data_;
     const TempDir files_;
     std::string drive_;
-    int held_ = -1;
+    std::optional<HeldScans> held_;
 };
 
 TEST_F(EngineScan, ScansADriveAndTellsTheClientThatAsked) {
