@@ -71,7 +71,7 @@ class DevicesTest(ToolTest):
 
     def test_text_shows_devices_with_their_sizes_and_no_control_characters(self):
         self.assertEqual("usb  Stick\\x1b[2J  /media/USBDrive1  NTFS  500 kB of 1.0 MB free\n"
-                         "ptp  Camera  Acme\nother  Other\nbd  Disc  /media/disc\n",
+                         "ptp  Camera  Acme  bus 2  device 7\nother  Other\nbd  Disc  /media/disc\n",
                          self.stdout("devices", QRA_ENGINE=SILENT_ENGINE))
 
     def test_watch_shows_what_is_there_and_what_comes_and_goes_until_it_is_interrupted(self):
