@@ -10,6 +10,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 
 constexpr int kImages = 30;
@@ -273,6 +274,57 @@ INSTANTIATE_TEST_SUITE_P(Faults, BrowseFailureTest,
                                          Failure{"endless", "", NBL_ERROR_BAD_ANSWER},
                                          Failure{"broken-soap", "", NBL_ERROR_BAD_ANSWER},
                                          Failure{"status", "404", NBL_ERROR_REFUSED}));
+
+TEST_F(BrowseTest, EndsWhereTheAnswersAreLargerThanTheirObjectsCanBe) {
+    start();
+    server->set("Browse.at-most", "1");
+    server->set("Browse.padded", "5000000");
+    Reply reply;
+    browse_pictures(reply, 0, 20);
+
+    EXPECT_EQ(reply.error, NBL_ERROR_BAD_ANSWER);
+    EXPECT_LE(server->count("Browse"), 3);
+}
+
+/// A service that may hold a megabyte of items.
+struct BrowseMemoryTest : BrowseTest {
+    BrowseMemoryTest() { setenv("QRA_DLNA_MEMORY", "1", 1); }
+    ~BrowseMemoryTest() override { unsetenv("QRA_DLNA_MEMORY"); }
+};
+
+TEST_F(BrowseMemoryTest, ReadsNoMoreWhileTheItemsThatAreHeldTakeTooMuch) {
+    start();
+    server->set("Search.invent", "100000");
+    server->set("Search.fat", "10000");
+    {
+        Reply flood;
+        search(provider, "", {NBL_ITEM_TYPE_IMAGE}, 20, flood);
+        EXPECT_EQ(flood.wait(), NBL_ERROR_OUT_OF_MEMORY);
+        EXPECT_GT(flood.items.size(), 80U);
+        EXPECT_LE(flood.items.size(), 140U);
+        Reply more;
+        browse_pictures(more);
+        EXPECT_EQ(more.error, NBL_ERROR_OUT_OF_MEMORY);
+    }
+    Reply after;
+    browse_pictures(after);
+    EXPECT_EQ(after.error, NBL_ERROR_NONE);
+    EXPECT_THAT(after.items, SizeIs(kImages));
+}
+
+TEST_F(BrowseMemoryTest, GivesItemsOfViewsBackForOthers) {
+    start();
+    server->set("Search.invent", "150");
+    server->set("Search.fat", "10000");
+    Reply view;
+    browse(provider, "I_N", 0, 200, view);
+    EXPECT_EQ(view.wait(), NBL_ERROR_NONE);
+    EXPECT_THAT(view.items, Not(IsEmpty()));
+    Reply children;
+    browse_pictures(children);
+    EXPECT_EQ(children.error, NBL_ERROR_NONE);
+    EXPECT_THAT(children.items, SizeIs(kImages));
+}
 
 TEST_F(BrowseTest, FollowsNoRedirectOfAnAction) {
     start();

@@ -36,13 +36,15 @@ private:
 bool is_web_address(const char* uri);
 
 struct HttpQuestion {
+    static constexpr size_t kLargestAnswer = size_t{8} << 20;
+
     std::string method = "GET";
     std::string uri;
     std::vector<std::pair<std::string, std::string>> headers;
     std::string body_type;
     std::string body;
-    size_t largest_answer = size_t{8} << 20;  ///< a longer one is NBL_ERROR_BAD_ANSWER
-    unsigned milliseconds = 14'000;           ///< in all; then it is NBL_ERROR_TIMEOUT
+    size_t largest_answer = kLargestAnswer;  ///< a longer one is NBL_ERROR_BAD_ANSWER
+    unsigned milliseconds = 14'000;          ///< in all; then it is NBL_ERROR_TIMEOUT
     bool repeatable = true;  ///< may be sent again where a kept connection turns out to be closed
 };
 

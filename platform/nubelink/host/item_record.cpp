@@ -4,6 +4,7 @@
 #include <cstring>
 #include <new>
 
+#include "platform/nubelink/host/item_memory.h"
 #include "platform/nubelink/host/text.h"
 
 namespace nbl {
@@ -157,6 +158,7 @@ ItemPtr ItemBuilder::build(int type, nbl_provider_t provider) {
     auto* item =
         new (memory) nbl_item_s(static_cast<uint8_t>(type), provider, static_cast<uint32_t>(bytes_.size()));
     std::memcpy(static_cast<void*>(item + 1), bytes_.data(), bytes_.size());
+    ItemMemory::add(sizeof(nbl_item_s) + bytes_.size());
     clear();
     return ItemPtr(item);
 }
@@ -176,6 +178,7 @@ std::optional<std::string_view> nbl_item_s::find(std::string_view name) const {
 
 void nbl_item_s::give_back() {
     if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        nbl::ItemMemory::remove(sizeof(nbl_item_s) + size_);
         this->~nbl_item_s();
         ::operator delete(static_cast<void*>(this));
     }

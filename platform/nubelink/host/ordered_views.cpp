@@ -1,6 +1,7 @@
 #include "platform/nubelink/host/ordered_views.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
@@ -36,6 +37,7 @@ public:
 
     void join(Question& question, bool fresh);
     void leave(Question& question);
+    bool is_unused() const { return questions_.empty(); }
 
 private:
     bool is_busy() const { return check_ != nullptr || search_ != nullptr || soon_pending_; }
@@ -205,6 +207,12 @@ std::unique_ptr<OrderedViews::Question> OrderedViews::ask(nbl_provider_t provide
                                                           bool fresh, Question::Done done,
                                                           Question::Progress progress) {
     return std::make_unique<Question>(*this, provider, view, fresh, std::move(done), std::move(progress));
+}
+
+void OrderedViews::forget_unused() {
+    for (auto entry = passes_.begin(); entry != passes_.end();) {
+        entry = entry->second->is_unused() ? passes_.erase(entry) : std::next(entry);
+    }
 }
 
 std::shared_ptr<OrderedViews::Pass> OrderedViews::pass(nbl_provider_t provider, int item_type) {

@@ -55,6 +55,8 @@ public:
      */
     std::unique_ptr<Question> ask(nbl_provider_t provider, const View& view, bool fresh, Question::Done done,
                                   Question::Progress progress);
+    /// Gives back the items that nobody waits for: who asks for them again has them searched again.
+    void forget_unused();
 
 private:
     std::shared_ptr<Pass> pass(nbl_provider_t provider, int item_type);

@@ -5,6 +5,9 @@
 #include <utility>
 
 #include "platform/nubelink/host/didl_reader.h"
+#include "platform/nubelink/host/item_memory.h"
+#include "platform/nubelink/host/log.h"
+#include "platform/nubelink/host/ordered_views.h"
 #include "platform/nubelink/host/text.h"
 
 namespace nbl {
@@ -38,7 +41,12 @@ int64_t count_in(const SoapAnswer& answer, std::string_view name) {
 Page read_page(const SoapAnswer& answer, nbl_provider_t provider) {
     Page page;
     page.error = answer.error;
-    if (answer.error != NBL_ERROR_NONE) {
+    page.bytes = answer.bytes;
+    if (answer.error == NBL_ERROR_NONE && ItemMemory::is_full()) {
+        NBL_LOG_WARNING("items of media servers take %zu bytes: no more are read", ItemMemory::bytes());
+        page.error = NBL_ERROR_OUT_OF_MEMORY;
+    }
+    if (page.error != NBL_ERROR_NONE) {
         return page;
     }
     // References to characters can bring in again what the envelope was freed of.
@@ -70,6 +78,9 @@ PageCall::PageCall(Session& session, nbl_provider_t provider, const PageSource& 
     call_.emplace(session.http(), device->description.content_directory, question_for(source, start, count),
                   [&session, provider, done = std::move(done)](const SoapAnswer& answer) {
                       session.on_call_error(provider->id, answer.error);
+                      if (ItemMemory::is_full()) {
+                          session.views().forget_unused();
+                      }
                       done(read_page(answer, provider));
                   });
 }
@@ -96,6 +107,11 @@ void PageLoop::take(Page page) {
     // Copies: either may end the loop, and with it what it was given.
     const OnPage on_page = on_page_;
     const OnEnd on_end = on_end_;
+    read_ += page.bytes;
+    if (page.error == NBL_ERROR_NONE &&
+        read_ > kMostBytes + static_cast<size_t>(got_ + asked_) * kMostBytesOfObject) {
+        page.error = NBL_ERROR_BAD_ANSWER;
+    }
     if (page.error != NBL_ERROR_NONE) {
         on_end(page.error);
         return;

@@ -30,11 +30,13 @@ struct Page {
     int64_t total = 0;     ///< as the server says; 0 for unknown
     int64_t returned = 0;  ///< how many objects the server says it gave
     bool is_whole = true;  ///< its DIDL was well-formed
+    size_t bytes = 0;      ///< of the whole answer, as it came
 };
 
 /**
  * One page of a server. `done` is called once on the worker, never from inside the constructor; the end of
- * the call before that calls it off. An answer in which nothing can be understood is NBL_ERROR_BAD_ANSWER.
+ * the call before that calls it off. An answer in which nothing can be understood is NBL_ERROR_BAD_ANSWER,
+ * any answer while the items of the process take too much memory NBL_ERROR_OUT_OF_MEMORY.
  */
 class PageCall {
 public:
@@ -51,7 +53,8 @@ private:
 /**
  * Asks for pages one after the other, until what is wanted is there or the server has no more. A server may
  * give fewer objects than it is asked for, more, none with more to come, the same page again, and totals that
- * are wrong or change: the loop ends, with what there is.
+ * are wrong or change: the loop ends, with what there is. A server whose answers are larger than their
+ * objects can be is not asked on: that is NBL_ERROR_BAD_ANSWER.
  *
  * Lives on the worker's thread. `on_page` and `on_end` may end the loop; the end comes once, and nothing
  * after it.
@@ -60,6 +63,9 @@ class PageLoop {
 public:
     /// So many objects are taken of one source at most.
     static constexpr int64_t kMostItems = 200'000;
+    /// So many bytes are read of one source at most: those of an answer, and of each object.
+    static constexpr size_t kMostBytes = HttpQuestion::kLargestAnswer;
+    static constexpr size_t kMostBytesOfObject = 16 * 1024;
 
     struct Range {
         int64_t start = 0;
@@ -85,6 +91,7 @@ private:
     const OnEnd on_end_;
     int64_t asked_ = 0;  ///< objects in the question under way
     int64_t got_ = 0;    ///< places gone through since the start
+    size_t read_ = 0;    ///< bytes
     std::set<uint64_t> seen_;
     std::unique_ptr<PageCall> call_;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);

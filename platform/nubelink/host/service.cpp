@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/nubelink/host/discovery.h"
+#include "platform/nubelink/host/item_memory.h"
 #include "platform/nubelink/host/log.h"
 #include "platform/nubelink/host/ordered_views.h"
 
@@ -18,7 +19,9 @@ Session::Session(RequestTable& requests, DeviceTable& devices, std::function<voi
     : requests_(requests),
       devices_(devices),
       views_(std::make_unique<OrderedViews>(*this)),
-      discovery_(std::make_unique<Discovery>(descriptions_http_, devices, std::move(report))) {}
+      discovery_(std::make_unique<Discovery>(descriptions_http_, devices, std::move(report))) {
+    ItemMemory::read_limit();
+}
 
 Session::~Session() = default;
 

@@ -120,6 +120,7 @@ std::string soap_question_body(const std::string& service_type, const SoapQuesti
 SoapAnswer read_soap_answer(HttpAnswer http) {
     SoapAnswer answer;
     answer.error = http.error;
+    answer.bytes = http.body.size();
     if (http.error != NBL_ERROR_NONE) {
         return answer;
     }

@@ -30,6 +30,7 @@ struct SoapQuestion {
 struct SoapAnswer {
     int error = 0;       ///< an nbl_error_e
     int upnp_error = 0;  ///< the server's own error number, where it gave one
+    size_t bytes = 0;    ///< of the whole answer, as it came
     SoapArguments arguments;
 
     /// The out argument of that name; empty for none.

@@ -283,7 +283,8 @@ unsigned DirectoryService::total_of(const std::string& name, std::size_t true_to
     return static_cast<unsigned>(std::max(total, 0));
 }
 
-std::string DirectoryService::page_didl(const std::string& name, const std::vector<const Object*>& objects) {
+std::string DirectoryService::page_didl(const std::string& name, const std::vector<const Object*>& objects,
+                                        std::size_t start) {
     if (faults_.is_on(name, "no-didl")) {
         return "";
     }
@@ -293,9 +294,16 @@ std::string DirectoryService::page_didl(const std::string& name, const std::vect
     const bool one_id = faults_.is_on(name, "duplicate-ids");
     const bool childless = faults_.is_on(name, "childless");
     const auto bad_bytes = faults_.take_number(name, "not-utf8");
+    const bool invented = faults_.is_on(name, "invent");
+    const auto fat = faults_.take_number(name, "fat");
     std::string text = kDidlStart;
+    text.append(static_cast<std::size_t>(faults_.take_number(name, "padded").value_or(0)), ' ');
     for (std::size_t i = 0; i < objects.size(); ++i) {
         Object object = *objects[i];
+        if (invented) {
+            object.id = "invented-" + std::to_string(start + i);
+        }
+        object.title.append(static_cast<std::size_t>(fat.value_or(0)), 'x');
         if (one_id) {
             object.id = objects[0]->id;
         }
@@ -324,16 +332,20 @@ void DirectoryService::answer_page(GUPnPServiceAction* action, const std::vector
         count = std::min(count, static_cast<std::size_t>(*most));
     }
     const auto none_from = faults_.take_number(name, "none-from");
-    if (start >= objects.size() || (none_from && start >= static_cast<std::size_t>(*none_from))) {
+    const auto invented = faults_.take_number(name, "invent");
+    const std::size_t all = invented ? static_cast<std::size_t>(*invented) : objects.size();
+    if (objects.empty() || start >= all || (none_from && start >= static_cast<std::size_t>(*none_from))) {
         count = 0;
         start = 0;
     }
-    count = std::min(count, objects.size() - start);
-    const auto first = objects.begin() + static_cast<std::ptrdiff_t>(start);
-    const std::vector<const Object*> page(first, first + static_cast<std::ptrdiff_t>(count));
-    gupnp_service_action_set(action, "Result", G_TYPE_STRING, page_didl(name, page).c_str(), "NumberReturned",
-                             G_TYPE_UINT, static_cast<guint>(count), "TotalMatches", G_TYPE_UINT,
-                             total_of(name, objects.size()), "UpdateID", G_TYPE_UINT, content_.update_id(),
+    count = std::min(count, all - start);
+    std::vector<const Object*> page;
+    for (std::size_t i = start; i < start + count; ++i) {
+        page.push_back(objects[i % objects.size()]);
+    }
+    gupnp_service_action_set(action, "Result", G_TYPE_STRING, page_didl(name, page, start).c_str(),
+                             "NumberReturned", G_TYPE_UINT, static_cast<guint>(count), "TotalMatches",
+                             G_TYPE_UINT, total_of(name, all), "UpdateID", G_TYPE_UINT, content_.update_id(),
                              nullptr);
     gupnp_service_action_return_success(action);
 }

@@ -26,6 +26,8 @@
  *   total N          tells that total                 grow N, shrink N   the total changes with each answer
  *   same-page        the first page always            duplicate-ids   all items of a page have one id
  *   childless        tells of folders that they are empty
+ *   invent N         as many objects as that: the true ones again and again, each with an id of its own
+ *   fat N            titles that are longer by N letters    padded N   N blanks in each answer
  *   broken-didl, empty-didl, no-didl, not-utf8
  */
 class DirectoryService {
@@ -55,7 +57,8 @@ private:
     void browse(GUPnPServiceAction* action);
     void search(GUPnPServiceAction* action);
     void answer_page(GUPnPServiceAction* action, const std::vector<const Object*>& objects);
-    std::string page_didl(const std::string& name, const std::vector<const Object*>& objects);
+    std::string page_didl(const std::string& name, const std::vector<const Object*>& objects,
+                          std::size_t start);
     unsigned total_of(const std::string& name, std::size_t true_total);
     void create_object(GUPnPServiceAction* action);
     void destroy_object(GUPnPServiceAction* action);
