@@ -9,6 +9,7 @@
 #include "libqra-agent/agent/src/qra_local_agent.h"
 #include "libqra-agent/agent/src/qra_selectlist.h"
 #include "libqra-agent/agent/src/qra_type.h"
+#include "libqra-agent/agent/src/qra_web_agent.h"
 #include "libqra-agent/share/src/qra_share_thread.h"
 #include "libqra-agent/source/local-source/qra_group_info.h"
 #include "libqra-agent/source/qra_source_base.h"
@@ -19,6 +20,15 @@ template <class T>
 void destroy(T*& pObject) {
     delete pObject;
     pObject = nullptr;
+}
+
+/// The agent of a handle; null with a log line if there is no handle, or none in it.
+IQRAAgentBase* agent_of(const CQRAAgentHandle* pHandle) {
+    IQRAAgentBase* const pAgent = pHandle != nullptr ? pHandle->GetAgentInstance() : nullptr;
+    if (pAgent == nullptr) {
+        QRA_LOG_WARNING(QRA_TAG_LOCAL, "Invalid agent handler recevied!!");
+    }
+    return pAgent;
 }
 
 bool copy_record(const std::map<std::string, _stAppData>& records, const std::string& strKey,
@@ -49,11 +59,11 @@ CQRAAgentHandle::~CQRAAgentHandle() {
 }
 
 CQRALocalAgent* CQRAAgentHandle::GetLocalAgent(CQRAAgentHandle* pHandle) {
-    if (pHandle == nullptr || pHandle->GetAgentInstance() == nullptr) {
-        QRA_LOG_WARNING(QRA_TAG_LOCAL, "Invalid agent handler recevied!!");
-        return nullptr;
-    }
-    return dynamic_cast<CQRALocalAgent*>(pHandle->GetAgentInstance());
+    return dynamic_cast<CQRALocalAgent*>(agent_of(pHandle));
+}
+
+CQRAWebAgent* CQRAAgentHandle::GetWebAgent(CQRAAgentHandle* pHandle) {
+    return dynamic_cast<CQRAWebAgent*>(agent_of(pHandle));
 }
 
 void CQRAAgentHandle::SetPageParam(qra_page_style_s* pParam) {

@@ -18,6 +18,7 @@ class CQRAContentPage;
 class CQRAGroupInfo;
 class CQRAItemBuilder;
 class CQRALocalAgent;
+class CQRAWebAgent;
 class CResultPool;
 class CSelectList;
 class IQRAAgentBase;
@@ -91,6 +92,8 @@ public:
     static CQRAAgentHandle* GetInstance(CQRAAgentHandle* pHandle) { return pHandle; }
     /// The handle's agent, if it is a local one, else null.
     static CQRALocalAgent* GetLocalAgent(CQRAAgentHandle* pHandle);
+    /// The handle's agent, if it is one for the content engine, else null.
+    static CQRAWebAgent* GetWebAgent(CQRAAgentHandle* pHandle);
 
     void SetSourceName(const std::string& strName) { m_strSourceName = strName; }
     std::string GetSourceName() const { return m_strSourceName; }

@@ -10,8 +10,10 @@
 #include "libqra-agent/agent/src/qra_backup_param.h"
 #include "libqra-agent/agent/src/qra_content_page.h"
 #include "libqra-agent/agent/src/qra_item_builder.h"
+#include "libqra-agent/agent/src/qra_local_agent.h"
 #include "libqra-agent/agent/src/qra_selectlist.h"
 #include "libqra-agent/agent/src/qra_type.h"
+#include "libqra-agent/agent/src/qra_web_agent.h"
 #include "libqra-agent/share/src/qra_share_thread.h"
 #include "libqra-agent/source/local-source/qra_group_info.h"
 #include "tests/fakes/dlog_capture.h"
@@ -353,6 +355,32 @@ TEST(CQRAAgentHandle, IsItsOwnInstance) {
 
     EXPECT_EQ(CQRAAgentHandle::GetInstance(&handle), &handle);
     EXPECT_EQ(CQRAAgentHandle::GetInstance(nullptr), nullptr);
+}
+
+TEST(CQRAAgentHandle, TellsWhichAgentItHas) {
+    CQRAAgentHandle local;
+    CQRAAgentHandle web;
+    auto* local_agent = new CQRALocalAgent;
+    auto* web_agent = new CQRAWebAgent;
+    local.SetAgentInstance(local_agent);
+    web.SetAgentInstance(web_agent);
+
+    EXPECT_EQ(CQRAAgentHandle::GetLocalAgent(&local), local_agent);
+    EXPECT_EQ(CQRAAgentHandle::GetWebAgent(&local), nullptr);
+    EXPECT_EQ(CQRAAgentHandle::GetLocalAgent(&web), nullptr);
+    EXPECT_EQ(CQRAAgentHandle::GetWebAgent(&web), web_agent);
+}
+
+TEST(CQRAAgentHandle, HasNoAgentOfEitherKindBeforeItWasGivenOne) {
+    LogCapture log;
+    CQRAAgentHandle handle;
+
+    EXPECT_EQ(CQRAAgentHandle::GetLocalAgent(&handle), nullptr);
+    EXPECT_EQ(CQRAAgentHandle::GetLocalAgent(nullptr), nullptr);
+    EXPECT_EQ(CQRAAgentHandle::GetWebAgent(&handle), nullptr);
+    EXPECT_EQ(CQRAAgentHandle::GetWebAgent(nullptr), nullptr);
+
+    EXPECT_EQ(log.count("Invalid agent handler recevied!!"), 4);
 }
 
 TEST(CQRASendHandle, OwnsItsThread) {
