@@ -28,6 +28,19 @@ struct Freer {
 };
 using Block = std::unique_ptr<char, Freer>;
 
+/// A stream that reads a file, or null. A pipe is opened without waiting for its other end.
+Stream open_to_read(const std::string& path) {
+    const int fd = open64(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) {
+        return nullptr;
+    }
+    Stream stream(fdopen(fd, "r"));
+    if (stream == nullptr) {
+        close(fd);
+    }
+    return stream;
+}
+
 /// Reads all of an open regular file into a malloc block with a zero behind it.
 bool read_whole(FILE* stream, char** content, long long* size) {
     struct stat info;
@@ -77,9 +90,9 @@ Block read_blob(FILE* stream, size_t& size) {
     return content;
 }
 
-/// Opens a shared memory object to read, and removes its name.
+/// Opens a shared memory object to read, without waiting if it is a pipe, and removes its name.
 Stream take_shared_memory(const char* name) {
-    const int fd = shm_open(name, O_RDONLY, 0);
+    const int fd = shm_open(name, O_RDONLY | O_NONBLOCK, 0);
     if (fd < 0) {
         CQRAFile64::ErrMsg(errno);
         return nullptr;
@@ -109,21 +122,13 @@ bool CQRAUtil::RemoveFile(const char* path) {
 }
 
 bool CQRAUtil::LoadFile(const std::string& path, char** content, long long* size) {
-    const Stream stream(fopen(path.c_str(), "re"));
+    const Stream stream = open_to_read(path);
     return stream != nullptr && read_whole(stream.get(), content, size);
 }
 
 bool CQRAUtil::ReadFile(const std::string& path, char** content, long long* size) {
-    const int fd = open64(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) {
-        return false;
-    }
-    const Stream stream(fdopen(fd, "r"));
-    if (stream == nullptr) {
-        close(fd);
-        return false;
-    }
-    return m_ReadLock(fd) && read_whole(stream.get(), content, size);
+    const Stream stream = open_to_read(path);
+    return stream != nullptr && m_ReadLock(fileno(stream.get())) && read_whole(stream.get(), content, size);
 }
 
 bool CQRAUtil::ReadFile(const std::string& path, std::string& content) {

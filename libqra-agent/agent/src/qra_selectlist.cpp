@@ -133,7 +133,8 @@ int CSelectList::m_GetItemAt(int nRank) const {
 
 /// Opens the object and reads its head; false if it is no sound one.
 bool CSelectList::m_ReadHeader(_stSelectListHeader& header) {
-    m_nShmId = shm_open(m_strSelectShmName.c_str(), O_RDONLY, 0766);
+    // Without O_NONBLOCK the name of a pipe would hold the request up for ever.
+    m_nShmId = shm_open(m_strSelectShmName.c_str(), O_RDONLY | O_NONBLOCK, 0766);
     if (m_nShmId < 0) {
         QRA_LOG_WARNING(QRA_TAG_LOCAL, "shm_open() faild.");
         return false;

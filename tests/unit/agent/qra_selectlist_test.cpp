@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -222,6 +223,17 @@ TEST(CSelectList, AnObjectShorterThanItsHeadIsNotLoaded) {
 
     EXPECT_EQ(log.count("fread() faild."), 1);
     EXPECT_EQ(list.GetItemCount(), 0);
+}
+
+TEST(CSelectList, ANameThatIsAPipeIsNotWaitedFor) {
+    LogCapture log;
+    const std::string name = kSelectListShmPrefix + std::string("test_pipe_") + std::to_string(getpid());
+    ASSERT_EQ(mkfifo(("/dev/shm/" + name).c_str(), 0600), 0);
+    CSelectList list(name);
+
+    EXPECT_FALSE(list.m_Load());
+
+    EXPECT_TRUE(log.contains("fread() faild."));
 }
 
 TEST(CSelectList, BelievesNoNumberThatTheObjectsSizeDoesNotBearOut) {

@@ -118,8 +118,11 @@ TEST_P(WholeFile, HasToBeARegularFileThatIsThere) {
     char* content = nullptr;
     long long size = 0;
 
+    ASSERT_EQ(mkfifo(dir.path("pipe").c_str(), 0600), 0);
+
     EXPECT_FALSE(Read(dir.path("absent"), &content, &size));
     EXPECT_FALSE(Read(dir.path(), &content, &size));
+    EXPECT_FALSE(Read(dir.path("pipe"), &content, &size));
 
     EXPECT_EQ(content, nullptr);
 }
@@ -287,6 +290,17 @@ TEST(CQRAUtilFile, AnUnknownSharedObjectIsAFailure) {
     EXPECT_FALSE(CQRAUtil::WriteFile(dir.path("f").c_str(), "qra_util_file_test_absent"));
 
     EXPECT_FALSE(CQRAUtil::IsFileExist(dir.path("f").c_str()));
+}
+
+TEST(CQRAUtilFileDeathTest, ASharedObjectThatIsAPipeIsNotWaitedFor) {
+    TempDir dir;
+    const std::string path = dir.path("f");
+    const std::string name = "qra_util_file_test_pipe_" + std::to_string(getpid());
+    ASSERT_EQ(mkfifo(("/dev/shm/" + name).c_str(), 0600), 0);
+
+    EXPECT_DEATH(CQRAUtil::WriteFile(path.c_str(), name.c_str()), "Assertion");
+
+    shm_unlink(name.c_str());
 }
 
 TEST(CQRAUtilFileDeathTest, ASharedObjectThatIsShorterThanItSaysEndsTheProcess) {
