@@ -10,12 +10,15 @@ namespace {
 
 constexpr char kCounted[] = "qra_selectedlist_";
 
+// Of the program also in the child of a death test: so the program can remove what the child leaves behind.
+const std::string g_own_end = "_" + std::to_string(getpid());
+
 std::string own_name(const char* name) {
     const std::string text = name;
     const size_t number = text.rfind(kCounted, 0) == 0 ? sizeof kCounted - 1 : std::string::npos;
     const bool counted =
         number < text.size() && text.find_first_not_of("0123456789", number) == std::string::npos;
-    return counted ? text + "_" + std::to_string(getpid()) : text;
+    return counted ? text + g_own_end : text;
 }
 
 template <class Function>

@@ -113,4 +113,6 @@ TEST_F(SelectListBuilderDeathTest, AnObjectThatCannotBeSizedEndsTheProcess) {
             build();
         },
         "m_pAddr != __null");
+
+    EXPECT_EQ(shm_unlink("qra_selectedlist_1"), 0);
 }
