@@ -3,13 +3,20 @@
 #include <gtest/gtest.h>
 #include <json/json.h>
 
+#include <cstdlib>
+#include <memory>
 #include <sstream>
+#include <vector>
 
 #include "common/util/qra_log.h"
+#include "libqra-agent/source/local-source/qra_mcf_wrapper.h"
 #include "tests/fakes/dlog_capture.h"
 #include "tests/fakes/fake_engine.h"
+#include "tests/unit/local_source/sample_drive.h"
 
 namespace {
+
+namespace faults = media_content_faults;
 
 class CQRAMCFFolderCacheWithEngine : public ::testing::Test {
 protected:
@@ -79,4 +86,75 @@ TEST_F(CQRAMCFFolderCacheWithEngine, PathsThatAreNotUtf8AreNotMixedUp) {
     EXPECT_FALSE(CQRAMCFFolderCache::Find("/media/\xff", "storage", id));
     EXPECT_FALSE(CQRAMCFFolderCache::Add("/media/\xfe", "storage", "1"));
     EXPECT_TRUE(engine.calls().empty());
+}
+
+namespace {
+
+/// Keeps the address of the launcher's bus, which a sample drive takes away.
+class LaunchersBus {
+protected:
+    const std::string bus_ = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
+};
+
+/// Lists a folder of a drive that was never scanned, with an engine that can be asked for folders.
+class CQRAMCFWrapperWithEngine : private LaunchersBus, public SampleDrive {
+protected:
+    CQRAMCFWrapperWithEngine() {
+        setenv("DBUS_SYSTEM_BUS_ADDRESS", bus_.c_str(), 1);
+        engine = std::make_unique<FakeEngine>();
+        engine->answer("start_server", {"('QRA_SERVER_START_SUCCESS',)"});
+        engine->answer("check_folder_path", {"('AddFolderMap',)"});
+        write("show/one.jpg");
+        write("show/deep/two.jpg");
+        EXPECT_TRUE(wrapper.ConnectMCF());
+    }
+
+    /// The names of the rows.
+    std::vector<std::string> list() {
+        _SMCFParam param;
+        param.strRootPath = path("show");
+        param.strContentType = "CONTENT-IMAGE";
+        param.strCategory = "CATEGORY-FOLDER-TITLE";
+        names_.clear();
+        faults::reset();
+        EXPECT_TRUE(wrapper.InitParam(&param));
+        EXPECT_TRUE(wrapper.RequestMCFMedia(nullptr, add_name, this));
+        return names_;
+    }
+
+    /// The id of the folder that the engine was told last.
+    std::string told_id() const {
+        const std::string arguments = engine->calls().back().arguments;
+        const std::string key = "\"FOLDER_ID\" : \"";
+        const size_t begin = arguments.find(key) + key.size();
+        return arguments.substr(begin, arguments.find('"', begin) - begin);
+    }
+
+    std::unique_ptr<FakeEngine> engine;
+    CQRAMCFWrapper wrapper;
+
+private:
+    static bool add_name(const std::string&, CMedia& media, void* test) {
+        static_cast<CQRAMCFWrapperWithEngine*>(test)->names_.push_back(media.GetName());
+        return true;
+    }
+
+    std::vector<std::string> names_;
+};
+
+}  // namespace
+
+TEST_F(CQRAMCFWrapperWithEngine, AFolderThatTheEngineKnowsIsNeitherScannedNorSearched) {
+    const std::vector<std::string> names = {"deep", "one.jpg"};
+    EXPECT_EQ(list(), names);
+    EXPECT_EQ(faults::count("media_content_scan_folder_v2"), 1);
+    EXPECT_EQ(faults::count("media_folder_foreach_folder_from_db"), 2);
+    EXPECT_EQ(engine->count("check_folder_path"), 1);
+
+    engine->answer("check_folder_path", {"('" + told_id() + "',)"});
+
+    EXPECT_EQ(list(), names);
+    EXPECT_EQ(faults::count("media_content_scan_folder_v2"), 0);
+    EXPECT_EQ(faults::count("media_storage_get_scan_status"), 0);
+    EXPECT_EQ(faults::count("media_folder_foreach_folder_from_db"), 1);
 }
