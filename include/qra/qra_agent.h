@@ -57,10 +57,11 @@
  * @section qra_agent_memory Who frees what
  *
  * Text that a function hands out (a char** argument) is allocated with malloc and freed by the client with
- * free(). A function that fails leaves the client's variable as it was. Texts handed in are copied or used
- * during the call only; they stay the client's. So do parameter records: they may be destroyed as soon as the
- * call has returned. The one shared memory object that can outlive its request is made by
- * qra_prepare_play_data_v2(), see there.
+ * free(). A function that fails leaves the client's variable as it was; so may one that succeeds with an
+ * empty text, such as "FORMAT" of a name without an extension: set the variable to null first. Texts handed
+ * in are copied or used during the call only; they stay the client's. So do parameter records: they may be
+ * destroyed as soon as the call has returned. The one shared memory object that can outlive its request is
+ * made by qra_prepare_play_data_v2(), see there.
  *
  * @section qra_agent_handles Handles
  *
@@ -93,11 +94,12 @@
  *
  * @section qra_agent_engine What a missing engine costs
  *
- * Listing a folder of USB storage asks the content engine for the folder's id first. The engine is started by
- * the system message bus on demand. Without a system bus the question fails at once and the folder is listed
- * all the same. With a system bus on which no engine answers, the library waits for it, for up to 40 seconds
- * for each folder listing, before it lists the folder without it. Install the engine where there is a system
- * bus.
+ * After listing a folder of USB storage the library tells the content engine the folder's id, and from the
+ * second folder of a handle on it asks the engine for the id first. The engine is started by the system
+ * message bus on demand. Without a system bus both fail at once and the folder is listed all the same. With a
+ * system bus on which no engine answers, the library waits for it each time, for up to 40 seconds: the answer
+ * to a handle's first folder comes that much later, that to each further one twice as much. Install the
+ * engine where there is a system bus.
  *
  * @section qra_agent_versions Versions
  *
@@ -157,8 +159,9 @@ QRA_API qra_error_code_e qra_request_list_v2(qra_general_s* pParam, on_list_comp
  * @param hAgent a list handle
  * @retval QRA_ERROR_NONE           the source cancelled the request
  * @retval QRA_ERROR_INVALID_HANDLE no live list handle
- * @retval QRA_ERROR_INTERNAL       the source cannot cancel; the callback is dropped all the same. Or the
- * list is the engine's, which is never cancelled: disconnect it instead
+ * @retval QRA_ERROR_INTERNAL       the source cannot cancel; the callback is dropped all the same, and as
+ * nothing tells when the source is done, the handle takes no repeat: disconnect it. Or the list is the
+ * engine's, which is never cancelled: disconnect it instead
  */
 QRA_API qra_error_code_e qra_cancel_request_list_v2(qra_agent_handler_h hAgent);
 
@@ -617,7 +620,10 @@ QRA_API qra_error_code_e qra_deselect_group_v2(qra_agent_handler_h hAgent, int n
  * Hands the selection to another process or a later request: writes it to a shared memory object and gives a
  * JSON text that names it. The text goes into a later request with qra_param_set_general_prepare_data(),
  * which loads the selection and removes the object. A text that is never used leaves its object behind until
- * the system restarts. Two threads must not call this at once, on any handle.
+ * the system restarts. Two threads must not call this at once, on any handle. The objects are counted from 1
+ * in each process ("qra_selectedlist_1"): two processes that hand on selections write over each other's, and
+ * an object that cannot be made, as the other's belongs to another user or there is no room, ends the
+ * process.
  *
  * @param hAgent a list handle
  * @param ppData receives the text; the caller frees it. {"qra_has_selected_item":false} when nothing is
