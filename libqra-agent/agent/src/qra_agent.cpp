@@ -45,8 +45,9 @@ qra_error_code_e ReadText(char** ppValue, Operation operation) {
     return eCode;
 }
 
-bool AnyNull(const void* pFirst, const void* pSecond) {
-    if (pFirst != nullptr && pSecond != nullptr)
+template <class... Pointers>
+bool AnyNull(Pointers... pointers) {
+    if ((... && (pointers != nullptr)))
         return false;
     QRA_LOG_WARNING(QRA_TAG_LOCAL, "Invalid param.");
     return true;
@@ -96,7 +97,7 @@ void DestroyFailed(CQRAAgentHandle* pHandle) {
 qra_error_code_e qra_request_list_v2(qra_general_s* pParam, on_list_complete_cb cb, void* pUserData,
                                      qra_agent_handler_h* pHandle) {
     QRA_LOG_INFO(QRA_TAG_LOCAL, "Start to excute qra_request_list.");
-    if (AnyNull(pParam, pHandle) || AnyNull(pParam->pSource, pHandle))
+    if (AnyNull(pParam, pHandle) || AnyNull(pParam->pSource))
         return QRA_ERROR_INVALID_PARAM;
     CQRAAgentHandle* pAgentHandle = *pHandle;
     if (CQRAHandlerMgr::GetInstance()->Exists(ValueOf(pAgentHandle))) {
@@ -326,7 +327,7 @@ qra_error_code_e qra_set_item_value_int_mcf(const char* pId, const char* pField,
 }
 
 qra_error_code_e qra_get_item_value_int_mcf(const char* pId, const char* pField, int* pnValue) {
-    if (AnyNull(pId, pField) || AnyNull(pnValue, pnValue))
+    if (AnyNull(pId, pField, pnValue))
         return QRA_ERROR_INVALID_PARAM;
     return CQRALocalAgent().GetItemValueMcf(pId, pField, pnValue);
 }

@@ -15,7 +15,6 @@ namespace {
 
 // Every page of a local source is laid out in columns.
 constexpr unsigned long kLocalPageStyle = 0x01 | CQRAContentPage::kStyleColumnOrder;
-constexpr int kMaskAllContent = kMaskFolder | kMaskMedia | kMaskGroup | kMaskPlaylist | kMaskUpfolder;
 
 bool Has(int nMask, int nBit) {
     return (nMask & nBit) != 0;

@@ -15,6 +15,8 @@ constexpr int kMaskMedia = 0x04;
 constexpr int kMaskGroup = 0x08;
 constexpr int kMaskPlaylist = 0x10;
 constexpr int kMaskUpfolder = 0x20;
+/// All bits that the selected items exclude in every build.
+constexpr int kMaskAllContent = kMaskFolder | kMaskMedia | kMaskGroup | kMaskPlaylist | kMaskUpfolder;
 /// The selected items alone; excludes all other bits.
 constexpr int kMaskSelected = 0x40;
 /// Pad each group to full columns (folder build only).

@@ -15,7 +15,6 @@ namespace {
 
 constexpr unsigned long kRowPageStyle = 0x01 | CQRAContentPage::kStyleRowOrder;
 constexpr unsigned long kColumnPageStyle = 0x01 | CQRAContentPage::kStyleColumnOrder;
-constexpr int kMaskAllContent = kMaskFolder | kMaskMedia | kMaskGroup | kMaskPlaylist | kMaskUpfolder;
 
 /// No list is longer. A page costs memory for its tiles, so that a number that an engine made up is not laid
 /// out.

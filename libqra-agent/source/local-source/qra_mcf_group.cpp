@@ -1,5 +1,7 @@
 #include "libqra-agent/source/local-source/qra_mcf_group.h"
 
+#include "libqra-agent/source/local-source/qra_msc_names.h"
+
 namespace {
 
 struct SFilterType {
@@ -36,11 +38,6 @@ constexpr SField FIELDS[] = {
     {"CATEGORY-FOLDER-DATE", MEDIA_GROUP_FOLDER_DATE, MEDIA_GROUP_PVR_DATE},
 };
 
-bool IsPVR(const std::string& strContentType) {
-    return strContentType == "CONTENT-PVR" || strContentType == "CONTENT-PVR-UNWATCHED" ||
-           strContentType == "CONTENT-PVR-SCHEDULED";
-}
-
 }  // namespace
 
 EFilterType CQRAMCFGroup::GetFilterType(const std::string& strContentType, const std::string& strCategory) {
@@ -59,7 +56,7 @@ media_group_field_e CQRAMCFGroup::GetField(const std::string& strContentType,
                                            const std::string& strCategory) {
     for (const SField& field : FIELDS) {
         if (strCategory == field.pCategory) {
-            return IsPVR(strContentType) ? field.ePVR : field.eMedia;
+            return IsOneOf(strContentType, PVR_CONTENT_TYPES) ? field.ePVR : field.eMedia;
         }
     }
     return MEDIA_GROUP_NONE;

@@ -4,15 +4,9 @@
 
 #include "common/util/qra_log.h"
 #include "libqra-agent/source/local-source/qra_mcf_convert.h"
+#include "libqra-agent/source/local-source/qra_mcf_result.h"
 
 namespace {
-
-bool Succeeded(int ret, const char* pOperation) {
-    if (ret != 0) {
-        QRA_LOG_WARNING(QRA_TAG_LOCAL, "MCF-Wrapper: %s fail, ret[%d].", pOperation, ret);
-    }
-    return ret == 0;
-}
 
 template <class Handle>
 bool ReadText(int (*pGet)(Handle, char**), Handle handle, const char* pOperation, CMallocText& text) {

@@ -6,19 +6,13 @@
 #include "common/util/qra_util.h"
 #include "libqra-agent/source/local-source/qra_mcf_folder_cache.h"
 #include "libqra-agent/source/local-source/qra_mcf_group.h"
+#include "libqra-agent/source/local-source/qra_mcf_result.h"
 #include "libqra-agent/source/local-source/qra_mcf_row.h"
 #include "libqra-agent/source/local-source/qra_mcf_value.h"
 #include "libqra-agent/source/local-source/qra_msc_names.h"
 #include "libqra-agent/source/local-source/qra_obj_manager.h"
 
 namespace {
-
-bool Succeeded(int ret, const char* pOperation) {
-    if (ret != 0) {
-        QRA_LOG_WARNING(QRA_TAG_LOCAL, "MCF-Wrapper: %s fail, ret[%d].", pOperation, ret);
-    }
-    return ret == 0;
-}
 
 constexpr const char* FOLDER_CATEGORIES[] = {
     "CATEGORY-FOLDER",

@@ -1,7 +1,7 @@
 // What the thumbnail of a folder shows.
 #include "common/util/json_value.h"
-#include "common/util/qra_log.h"
 #include "common/util/qra_util.h"
+#include "libqra-agent/source/local-source/qra_mcf_result.h"
 #include "libqra-agent/source/local-source/qra_mcf_wrapper.h"
 
 namespace {
@@ -14,13 +14,6 @@ constexpr const char* ITEM_TYPES = "qra_folder_thumbnail_itemstype";
 constexpr int TYPE_MEDIA = 0;
 constexpr int TYPE_FOLDERS = 1;
 constexpr int TYPE_EMPTY = 2;
-
-bool Succeeded(int ret, const char* pOperation) {
-    if (ret != 0) {
-        QRA_LOG_WARNING(QRA_TAG_LOCAL, "MCF-Wrapper: %s fail, ret[%d].", pOperation, ret);
-    }
-    return ret == 0;
-}
 
 }  // namespace
 
