@@ -1,6 +1,8 @@
 #include "libqra-agent/playlist/m3u_playlist.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -84,6 +86,15 @@ Segment MakeSegment(const CQRAPlayListItem& item) {
     segment.mediaType = item.m_nMediaType;
     segment.drm = item.m_bDrm;
     return segment;
+}
+
+/// Empties a file to write it. Never makes one: where its drive was pulled, it would lie in the mount point.
+FILE* OpenExisting(const std::string& strPath) {
+    const int nFd = open(strPath.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+    FILE* const file = nFd >= 0 ? fdopen(nFd, "wb") : nullptr;
+    if (file == nullptr && nFd >= 0)
+        close(nFd);
+    return file;
 }
 
 /// Writes a text to an open file in one block, past any buffer, so that a full disk shows at once. Closes it.
@@ -285,7 +296,7 @@ bool M3UPlaylist::Flush() {
 // The old content is gone once the file is open. Half a list would look like a whole one, so that a file that
 // could not be written to its end goes too.
 bool M3UPlaylist::m_Write(const std::string& strText) const {
-    FILE* file = fopen(m_strFullPath.c_str(), "wbe");
+    FILE* file = OpenExisting(m_strFullPath);
     if (file == nullptr) {
         QRA_LOG_WARNING(QRA_TAG_COMMON, "fopen [%s] failed.", m_strFullPath.c_str());
         return false;
