@@ -27,10 +27,7 @@ int media_info_insert_to_db(const char* path, media_info_h* media) {
     if (path == nullptr || media == nullptr) {
         return MEDIA_CONTENT_ERROR_INVALID_PARAMETER;
     }
-    return guarded(__func__, [&] {
-        const int64_t id = insert_media(path);
-        *media = handle_of<media_info_h>(get_media(RowKind::kMedia, std::to_string(id)));
-    });
+    return guarded(__func__, [&] { *media = handle_of<media_info_h>(insert_media(path)); });
 }
 
 int media_info_delete_from_db(const char* media_id) {

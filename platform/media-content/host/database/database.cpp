@@ -122,7 +122,7 @@ Database::ReadLease::~ReadLease() {
 }
 
 Database::WriteLease::WriteLease(Database& database) : database_(database), lock_(database.write_mutex_) {
-    connection().execute("BEGIN IMMEDIATE");
+    Query(connection(), "BEGIN IMMEDIATE").run();
 }
 
 Database::WriteLease::~WriteLease() {
@@ -133,7 +133,7 @@ Database::WriteLease::~WriteLease() {
 }
 
 void Database::WriteLease::commit() {
-    connection().execute("COMMIT");
+    Query(connection(), "COMMIT").run();
     open_ = false;
 }
 

@@ -42,6 +42,19 @@ public:
         std::unique_ptr<SqliteConnection> connection_;
     };
 
+    /// The writer's connection between two transactions, for a look before a change: it knows the pages that
+    /// it wrote itself, which a reader has to read anew after each commit. To be kept short, and counts as a
+    /// WriteLease.
+    class WriterReadLease {
+    public:
+        explicit WriterReadLease(Database& database) : database_(database), lock_(database.write_mutex_) {}
+        SqliteConnection& connection() { return *database_.writer_; }
+
+    private:
+        Database& database_;
+        std::lock_guard<std::mutex> lock_;
+    };
+
     /// A transaction of the writer: rolled back unless it is committed. To be kept short, as other writers
     /// wait.
     class WriteLease {

@@ -97,6 +97,13 @@ int64_t MediaWriter::ensure_folder(int64_t storage, const std::string& relative,
     return known;
 }
 
+int64_t MediaWriter::known_or_new_folder(int64_t storage, const std::string& relative) {
+    const int64_t known = find_folder(lease_.connection(), storage, relative);
+    last_folder_ = known != 0 ? known : insert_folder(storage, relative, 0);
+    last_storage_ = storage;
+    return last_folder_;
+}
+
 int64_t MediaWriter::insert_folder(int64_t storage, const std::string& relative, int64_t modified_ns) {
     int64_t parent = 0;
     if (!relative.empty()) {

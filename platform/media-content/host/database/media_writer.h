@@ -64,6 +64,8 @@ public:
 
     /// The folder's row, and the rows of the folders above it, made where there are none. @return its id
     int64_t ensure_folder(int64_t storage, const std::string& relative, int64_t modified_ns);
+    /// The same, but a row that is there stays as it is.
+    int64_t known_or_new_folder(int64_t storage, const std::string& relative);
     void set_folder_status(int64_t folder, int status);
     /// Removes the folder's row with everything below it.
     void remove_folder(int64_t folder);

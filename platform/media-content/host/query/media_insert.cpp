@@ -11,6 +11,7 @@
 #include "platform/media-content/host/database/media_writer.h"
 #include "platform/media-content/host/log.h"
 #include "platform/media-content/host/metadata/metadata_reader.h"
+#include "platform/media-content/host/query/media_list.h"
 #include "platform/media-content/host/scanner/drive_directory.h"
 #include "platform/media-content/host/scanner/scan_rules.h"
 #include "platform/media-content/host/storage/storage.h"
@@ -32,8 +33,10 @@ MediaError no_such_file(const std::string& path) {
 }
 
 StoragePath place_of(Database& database, const std::string& path) {
-    Database::ReadLease lease(database);
-    std::optional<StoragePath> place = locate(lease.connection(), path);
+    std::optional<StoragePath> place = [&] {
+        Database::WriterReadLease lease(database);
+        return locate(lease.connection(), path);
+    }();
     if (!place || place->relative.empty() || !is_mounted(place->storage)) {
         throw no_such_file(path);
     }
@@ -87,17 +90,19 @@ MediaRecord read_record(const OpenFile& file, const MediaType& type, const std::
     return record;
 }
 
-/// The row's folder. One that the scanner knows is left as it is: whether its other files are up to date is
-/// not known here.
-int64_t folder_of(MediaWriter& writer, Database& database, const StoragePath& folder) {
-    Database::ReadLease lease(database);
-    const int64_t known = find_folder(lease.connection(), folder.storage.key, folder.relative);
-    return known != 0 ? known : writer.ensure_folder(folder.storage.key, folder.relative, 0);
+int64_t write_row(Database& database, const OpenFile& file, const MediaRecord& record) {
+    MediaWriter writer(database);
+    // A folder that the scanner knows is left as it is: whether its other files are up to date is not known
+    // here.
+    const int64_t folder = writer.known_or_new_folder(file.folder.storage.key, file.folder.relative);
+    const int64_t id = writer.put_file(folder, file.facts, record);
+    writer.commit();
+    return id;
 }
 
 }  // namespace
 
-int64_t insert_media(const std::string& path) {
+Row& insert_media(const std::string& path) {
     const auto database = connected_database();
     StoragePath place = place_of(*database, path);
     const MediaType* type = find_media_type(place.relative.substr(place.relative.rfind('/') + 1));
@@ -106,10 +111,8 @@ int64_t insert_media(const std::string& path) {
     }
     const OpenFile file = open_file(std::move(place), path);
     const MediaRecord record = read_record(file, *type, path);
-    MediaWriter writer(*database);
-    const int64_t id = writer.put_file(folder_of(writer, *database, file.folder), file.facts, record);
-    writer.commit();
-    return id;
+    const int64_t id = write_row(*database, file, record);
+    return make_media(id, record, file.folder, file.facts.name);
 }
 
 }  // namespace media_content

@@ -27,6 +27,11 @@ const ValueTable& values_of(RowKind kind) {
     }
 }
 
+/// The path of a folder with a slash at its end, as rows have it.
+std::string folder_path(int64_t drive_number, std::string_view relative) {
+    return drive_path(drive_number).append(relative) + '/';
+}
+
 /// Fills a set from the rows of a query that begins with kListColumns.
 class ListReader {
 public:
@@ -53,7 +58,7 @@ private:
             connection_,
             "SELECT s.number, f.path FROM folder f JOIN storage s ON s.key = f.storage WHERE f.id = ?");
         query.bind(folder);
-        return query.step() ? drive_path(query.integer(0)) + std::string(query.text(1)) + '/' : "/";
+        return query.step() ? folder_path(query.integer(0), query.text(1)) : "/";
     }
 
     SqliteConnection& connection_;
@@ -128,6 +133,14 @@ Row& get_media(RowKind kind, std::string_view media_id) {
     }
     RowSetReference set(new RowSet(values_of(kind)));
     Row& row = ListReader(lease.connection(), *set).add(query);
+    set.release();  // the caller's reference now
+    return row;
+}
+
+Row& make_media(int64_t id, const MediaRecord& record, const StoragePath& folder, std::string_view name) {
+    RowSetReference set(new RowSet(values_of(RowKind::kMedia)));
+    const std::string* path = set->add_folder_path(0, folder_path(folder.storage.number, folder.relative));
+    Row& row = set->add_row(id, static_cast<uint8_t>(record.kind), record.is_360, path, name);
     set.release();  // the caller's reference now
     return row;
 }

@@ -3,8 +3,10 @@
 
 #include <string_view>
 
+#include "platform/media-content/host/metadata/media_record.h"
 #include "platform/media-content/host/query/row_query.h"
 #include "platform/media-content/host/rows/row_set.h"
+#include "platform/media-content/host/storage/storage.h"
 
 namespace media_content {
 
@@ -19,6 +21,9 @@ void list_media_of_folder(std::string_view folder_id, const filter_s* filter, Ro
 /// The row with that id, with a reference for the caller. Throws MediaError with
 /// MEDIA_CONTENT_ERROR_NOT_FOUND, also for a row of another kind.
 Row& get_media(RowKind kind, std::string_view media_id);
+
+/// The row of a file that the caller has just written, as get_media() would read it.
+Row& make_media(int64_t id, const MediaRecord& record, const StoragePath& folder, std::string_view name);
 
 int count_media_of_folder(std::string_view folder_id, const filter_s* filter);
 

@@ -15,6 +15,16 @@ namespace media_content {
  */
 std::optional<std::string> directory_id(const std::string& directory);
 
+/**
+ * The same, without reading the table of mounts and the device database again where neither has changed since
+ * this process asked last. Two changes remain unseen until something is mounted or unmounted: a directory
+ * that is mounted somewhere else gets another path within its file system, and a file system that the device
+ * database does not know gets another UUID.
+ *
+ * Any thread may call it.
+ */
+std::optional<std::string> known_directory_id(const std::string& directory);
+
 }  // namespace media_content
 
 #endif

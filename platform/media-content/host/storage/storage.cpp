@@ -57,6 +57,13 @@ std::optional<std::string> below(const std::string& path, const std::string& dir
     return relative;
 }
 
+/// The path without ".", ".." and doubled slashes.
+std::string normal_path(const std::string& path) {
+    const bool is_normal = path.find("//") == std::string::npos && path.find("/.") == std::string::npos &&
+                           !path.empty() && path.front() == '/';
+    return is_normal ? path : std::filesystem::path(path).lexically_normal().string();
+}
+
 std::optional<int64_t> drive_number(std::string_view name) {
     if (name.substr(0, kNamePrefix.size()) != kNamePrefix) {
         return std::nullopt;
@@ -227,7 +234,7 @@ std::optional<Storage> find_storage(SqliteConnection& connection, std::string_vi
 }
 
 std::optional<StoragePath> locate(SqliteConnection& connection, const std::string& any_path) {
-    const std::string path = std::filesystem::path(any_path).lexically_normal().string();
+    const std::string path = normal_path(any_path);
     const std::vector<Storage> attached = attached_storages(connection);
     for (const Storage& storage : attached) {
         if (std::optional<std::string> relative = below(path, storage.link_path())) {
@@ -242,7 +249,7 @@ std::optional<StoragePath> locate(SqliteConnection& connection, const std::strin
 }
 
 bool is_mounted(const Storage& storage) {
-    return directory_id(storage.target) == storage.id;
+    return known_directory_id(storage.target) == storage.id;
 }
 
 StoragePath attach(Database& database, const std::string& directory, const std::string& wanted_name) {

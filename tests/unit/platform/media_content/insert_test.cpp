@@ -56,6 +56,80 @@ TEST_F(Insert, TwiceKeepsTheId) {
     EXPECT_EQ(text_of(media_info_get_media_id, first.get()), text_of(media_info_get_media_id, second.get()));
 }
 
+TEST_F(Insert, GivesTheRowThatTheDatabaseHas) {
+    copy_fixture("pictures/photo.jpg", "deep/folder/photo.jpg");
+    copy_fixture("music/song.mp3", "song.mp3");
+    for (const char* name : {"/deep/folder/photo.jpg", "/song.mp3"}) {
+        MediaHandle media;
+        ASSERT_EQ(insert(drive().link_path() + name, media), 0);
+        media_info_h handle = nullptr;
+        ASSERT_EQ(
+            media_info_get_media_from_db(text_of(media_info_get_media_id, media.get()).c_str(), &handle), 0);
+        const MediaHandle read(handle);
+        for (const auto text : {media_info_get_file_path, media_info_get_display_name, media_info_get_title,
+                                media_info_get_mime_type}) {
+            EXPECT_EQ(text_of(text, media.get()), text_of(text, read.get())) << name;
+        }
+        EXPECT_EQ(int_of(media_info_get_media_type, media.get()),
+                  int_of(media_info_get_media_type, read.get()));
+    }
+}
+
+TEST_F(Insert, GivesARowThatCanBeChanged) {
+    copy_fixture("music/song.mp3", "song.mp3");
+    MediaHandle media;
+    ASSERT_EQ(insert(drive().link_path() + "/song.mp3", media), 0);
+    ASSERT_EQ(media_info_set_played_count(media.get(), 3), 0);
+    ASSERT_EQ(media_info_update_to_db(media.get()), 0);
+    EXPECT_EQ(int_of(media_info_get_played_count, media.get()), 3);
+    EXPECT_EQ(number("SELECT played_count FROM media"), 3);
+}
+
+TEST_F(Insert, LeavesAFolderThatIsKnownAsItIs) {
+    copy_fixture("music/song.mp3", "MUSIC/song.mp3");
+    {
+        MediaWriter writer(database());
+        const int64_t folder = writer.ensure_folder(drive().key, "/MUSIC", 1234);
+        writer.set_folder_status(folder, MEDIA_SCAN_STATUS_FOLDER_SCANNED);
+        writer.commit();
+    }
+    ASSERT_EQ(insert(drive().link_path() + "/MUSIC/song.mp3"), 0);
+    EXPECT_EQ(number("SELECT modified_ns FROM folder WHERE path = '/MUSIC'"), 1234);
+    EXPECT_EQ(number("SELECT scan_status FROM folder WHERE path = '/MUSIC'"),
+              MEDIA_SCAN_STATUS_FOLDER_SCANNED);
+}
+
+TEST_F(Insert, SeesWhatAnotherProcessDidToTheDrives) {
+    copy_fixture("music/song.mp3", "song.mp3");
+    const std::string path = drive().link_path() + "/song.mp3";
+    ASSERT_EQ(insert(path), 0);
+    SqliteConnection other(database().path(), SqliteConnection::Access::kWrite);
+    other.execute("UPDATE storage SET attached = 0");
+    EXPECT_EQ(insert(path), MEDIA_CONTENT_ERROR_NOT_FOUND);
+    other.execute("UPDATE storage SET attached = 1");
+    EXPECT_EQ(insert(path), 0);
+}
+
+TEST_F(Insert, IsThereForOthersWhenItReturns) {
+    SqliteConnection other(database().path(), SqliteConnection::Access::kRead);
+    for (int i = 1; i <= 3; ++i) {
+        copy_fixture("music/song.mp3", std::to_string(i) + ".mp3");
+        ASSERT_EQ(insert(drive().link_path() + "/" + std::to_string(i) + ".mp3"), 0);
+        Query rows(other, "SELECT count(*) FROM media");
+        ASSERT_TRUE(rows.step());
+        EXPECT_EQ(rows.integer(0), i);
+    }
+}
+
+TEST_F(Insert, OfAPathWithDotsAndDoubledSlashes) {
+    copy_fixture("music/song.mp3", "a/song.mp3");
+    for (const char* name : {"//a/song.mp3", "/a/./song.mp3", "/b/../a/song.mp3", "/a//song.mp3"}) {
+        EXPECT_EQ(insert(drive().link_path() + name), 0) << name;
+    }
+    EXPECT_EQ(insert("a/song.mp3"), MEDIA_CONTENT_ERROR_NOT_FOUND);
+    EXPECT_EQ(number("SELECT count(*) FROM media"), 1);
+}
+
 TEST_F(Insert, OfABrokenFileListsItWithWhatIsKnown) {
     copy_fixture("broken/text.jpg", "text.jpg");
     MediaHandle media;
