@@ -1,8 +1,13 @@
-// What a copy job costs beside a plain loop with the same blocks and the same flushes: one large file, and
-// many small ones with their rows in the media database. Each pair runs in turn, and the median of the ratios
-// counts.
+// What a copy job costs beside its floor: for one large file a plain loop with the same blocks and the same
+// flushes, for many small ones, whose rows go into the media database, a loop that makes, writes, flushes and
+// closes files of the same size and reads none. And how long a stop takes within the large file.
+//
+// Each pair runs in turn, in directories of its own, as a directory that others were removed from is slower.
+// The medians count. Beside the time stands the processor time of one file, which a busy disk does not
+// change.
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,6 +17,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -26,17 +32,35 @@ namespace {
 constexpr size_t kBlock = 65536;
 constexpr int kBlocksPerFlush = 16;
 constexpr size_t kSmallFile = 4096;
+constexpr int kPairs = 7;
 
 [[noreturn]] void give_up(const std::string& what) {
     std::fprintf(stderr, "bench: %s\n", what.c_str());
     std::exit(1);
 }
 
+/// What one run took, in seconds.
+struct Cost {
+    double time = 0;
+    double processor = 0;
+};
+
+double processor_seconds() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    const auto seconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
 template <class Work>
-double seconds_of(const Work& work) {
+Cost cost_of(const Work& work) {
+    const double processor = processor_seconds();
     const auto start = std::chrono::steady_clock::now();
     work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    return {time.count(), processor_seconds() - processor};
 }
 
 /// A drive with a media database of its own, in the directory that the command line names.
@@ -52,8 +76,6 @@ public:
         setenv("QRA_MEDIA_ROOT", (root_ / "media").c_str(), 1);
         setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/socket", 1);
         fs::create_directories(target("source"));
-        fs::create_directories(target("copy"));
-        fs::create_directories(target("floor"));
     }
     ~Drive() {
         media_content_disconnect();
@@ -82,13 +104,11 @@ public:
         drive_ = attached;
         std::free(attached);
     }
-    void clear() const {
-        for (const char* folder : {"copy", "floor"}) {
-            fs::remove_all(target(folder));
-            fs::create_directories(target(folder));
-        }
-        // Whatever these removals left to the file system is not to be paid for by the next run.
+    /// An empty directory. Whatever was written before is not to be paid for by what goes there.
+    std::string fresh(const std::string& relative) const {
+        fs::create_directories(target(relative));
         sync();
+        return relative;
     }
 
 private:
@@ -114,33 +134,59 @@ void copy_plainly(const fs::path& from, const fs::path& to) {
     close(dest);
 }
 
-double plain_loop(const Drive& drive, const std::vector<std::string>& names) {
-    return seconds_of([&] {
-        for (const std::string& name : names) {
-            copy_plainly(drive.target("source/" + name), drive.target("floor/" + name));
-        }
-    });
+void write_plainly(const std::vector<char>& content, const fs::path& to) {
+    const int dest = open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (write(dest, content.data(), content.size()) != static_cast<ssize_t>(content.size())) {
+        give_up("cannot write " + to.string());
+    }
+    fsync(dest);
+    close(dest);
 }
 
-double copy_job(const Drive& drive, const std::vector<std::string>& names) {
-    BatchList list(drive.path("source"));
+/// Opens the list of the source folder and selects all of it.
+void open_selection(BatchList& list) {
     if (!list.ok()) {
         give_up("cannot list the drive");
     }
     list.set_patience(std::chrono::hours(1));
     list.select_all();
     list.navigate(QRA_NAVIGATION_TYPE_SELECTED);
+}
+
+Cost copy_job(const Drive& drive, const std::string& folder, int files) {
+    BatchList list(drive.path("source"));
+    open_selection(list);
     int done = 0;
     int event = -1;
-    const double seconds = seconds_of([&] {
+    const Cost cost = cost_of([&] {
         event = list.run(
-            QRA_PROCESSOR_TYPE_COPY, drive.path("copy"),
+            QRA_PROCESSOR_TYPE_COPY, drive.path(folder),
             [&](qra_event_e, const qra_share_status_info_s& status) { done = status.nFinishedCount; });
     });
-    if (event != QRA_EVENT_BATCH_FINISHED || done != static_cast<int>(names.size())) {
+    if (event != QRA_EVENT_BATCH_FINISHED || done != files) {
         give_up("the job copied " + std::to_string(done) + " files");
     }
-    return seconds;
+    return cost;
+}
+
+/// How long it takes to stop a copy at the end of the `mebibyte`th of its file.
+double stop_of_job(const Drive& drive, const std::string& folder, unsigned long long mebibyte) {
+    BatchList list(drive.path("source"));
+    open_selection(list);
+    const std::string copy = drive.target(folder + "/PHOTO/0.jpg");
+    if (!list.start(QRA_PROCESSOR_TYPE_COPY, drive.path(folder))) {
+        give_up("cannot start a job");
+    }
+    struct stat status {};
+    while (stat(copy.c_str(), &status) != 0 ||
+           static_cast<unsigned long long>(status.st_size) >> 20 < mebibyte) {
+        usleep(100);
+    }
+    const Cost cost = cost_of([&] { list.stop(); });
+    if (fs::exists(copy)) {
+        give_up("the job was over before it was stopped");
+    }
+    return cost.time;
 }
 
 double median(std::vector<double> values) {
@@ -148,28 +194,67 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-void compare(const std::string& what, const std::string& directory, int files, size_t size, int pairs) {
-    Drive drive(directory);
-    std::vector<std::string> names;
-    for (int i = 0; i < files; ++i) {
-        names.push_back(std::to_string(i) + ".jpg");
-        drive.write(names.back(), size);
-    }
-    drive.scan();
+double load() {
+    double load = 0;
+    getloadavg(&load, 1);
+    return load;
+}
+
+using Floor = std::function<void(const Drive&, const std::string& folder)>;
+
+void compare(const Drive& drive, const std::string& what, int files, int pairs, const Floor& floor) {
     std::vector<double> floors;
     std::vector<double> jobs;
     std::vector<double> ratios;
+    std::vector<double> floor_processor;
+    std::vector<double> job_processor;
     for (int pair = 0; pair < pairs; ++pair) {
-        drive.clear();
-        floors.push_back(plain_loop(drive, names));
-        drive.clear();
-        jobs.push_back(copy_job(drive, names));
-        ratios.push_back(jobs.back() / floors.back());
+        const std::string floor_folder = drive.fresh("floor" + std::to_string(pair));
+        const Cost plain = cost_of([&] { floor(drive, floor_folder); });
+        const Cost job = copy_job(drive, drive.fresh("copy" + std::to_string(pair)), files);
+        floors.push_back(plain.time);
+        jobs.push_back(job.time);
+        ratios.push_back(job.time / plain.time);
+        floor_processor.push_back(plain.processor * 1e3 / files);
+        job_processor.push_back(job.processor * 1e3 / files);
     }
-    double load = 0;
-    getloadavg(&load, 1);
-    std::printf("%-24s floor %8.3f s  job %8.3f s  ratio %5.2f  (medians of %d pairs; load %.1f)\n",
-                what.c_str(), median(floors), median(jobs), median(ratios), pairs, load);
+    std::printf(
+        "%-24s floor %8.3f s  job %8.3f s  ratio %5.2f  (medians of %d pairs; load %.1f; processor %.3f and "
+        "%.3f ms a file)\n",
+        what.c_str(), median(floors), median(jobs), median(ratios), pairs, load(), median(floor_processor),
+        median(job_processor));
+}
+
+void compare_large(const std::string& directory, int mebibytes) {
+    Drive drive(directory);
+    drive.write("0.jpg", static_cast<size_t>(mebibytes) << 20);
+    drive.scan();
+    compare(drive, std::to_string(mebibytes) + " MiB in one file", 1, kPairs,
+            [](const Drive& on, const std::string& folder) {
+                copy_plainly(on.target("source/0.jpg"), on.target(folder + "/0.jpg"));
+            });
+    std::vector<double> stops;
+    for (int i = 0; i < kPairs; ++i) {
+        stops.push_back(stop_of_job(drive, drive.fresh("stopped" + std::to_string(i)),
+                                    static_cast<unsigned>(mebibytes) / 2));
+    }
+    std::printf("%-24s %.1f ms, at most %.1f ms  (%d stops; load %.1f)\n", "stop within it",
+                median(stops) * 1e3, *std::max_element(stops.begin(), stops.end()) * 1e3, kPairs, load());
+}
+
+void compare_small(const std::string& directory, int files) {
+    Drive drive(directory);
+    for (int i = 0; i < files; ++i) {
+        drive.write(std::to_string(i) + ".jpg", kSmallFile);
+    }
+    drive.scan();
+    compare(
+        drive, std::to_string(files) + " small files", files, kPairs,
+        [files, content = std::vector<char>(kSmallFile, 'x')](const Drive& on, const std::string& folder) {
+            for (int i = 0; i < files; ++i) {
+                write_plainly(content, on.target(folder + "/" + std::to_string(i) + ".jpg"));
+            }
+        });
 }
 
 }  // namespace
@@ -181,8 +266,11 @@ int main(int argc, char** argv) {
     setenv("QRA_LOG", "off", 1);
     const int mebibytes = argc > 2 ? std::atoi(argv[2]) : 1024;
     const int small_files = argc > 3 ? std::atoi(argv[3]) : 10000;
-    compare(std::to_string(mebibytes) + " MiB in one file", argv[1], 1, static_cast<size_t>(mebibytes) << 20,
-            7);
-    compare(std::to_string(small_files) + " small files", argv[1], small_files, kSmallFile, 3);
+    if (mebibytes > 0) {
+        compare_large(argv[1], mebibytes);
+    }
+    if (small_files > 0) {
+        compare_small(argv[1], small_files);
+    }
     return 0;
 }

@@ -68,6 +68,18 @@ void BatchList::select_all() const {
 }
 
 int BatchList::run(qra_processor_type_e type, const std::string& destination, const Watch& watch) {
+    if (!start(type, destination, watch)) {
+        return -1;
+    }
+    const int event = wait();
+    return stop() ? event : -1;
+}
+
+bool BatchList::stop() {
+    return qra_stop_batch_process_v2(job_) == QRA_ERROR_NONE;
+}
+
+bool BatchList::start(qra_processor_type_e type, const std::string& destination, const Watch& watch) {
     watch_ = watch;
     event_ = -1;
     qra_share_param_h param = nullptr;
@@ -77,15 +89,10 @@ int BatchList::run(qra_processor_type_e type, const std::string& destination, co
     qra_param_set_share_dest_dev_path(param, destination.c_str());
     qra_param_set_share_user_data_udata(user_data, this);
     qra_param_set_share_user_data_cb(user_data, &on_share);
-    CQRASendHandle* job = nullptr;
-    const qra_error_code_e code = qra_batch_process_v2(type, param, handle_, user_data, &job);
+    const qra_error_code_e code = qra_batch_process_v2(type, param, handle_, user_data, &job_);
     qra_destroy_share_param(param);
     qra_destroy_share_user_data_param(user_data);
-    if (code != QRA_ERROR_NONE) {
-        return -1;
-    }
-    const int event = wait();
-    return qra_stop_batch_process_v2(job) == QRA_ERROR_NONE ? event : -1;
+    return code == QRA_ERROR_NONE;
 }
 
 bool BatchList::on_list(void* self, CQRAAgentHandle*, qra_event_e event, int, const char*) {

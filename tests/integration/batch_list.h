@@ -33,6 +33,9 @@ public:
     using Watch = std::function<void(qra_event_e, const qra_share_status_info_s&)>;
     /// Runs a job to its end and stops it; the event with which it ended, or -1.
     int run(qra_processor_type_e type, const std::string& destination, const Watch& watch = nullptr);
+    /// The two halves of it: a job that was started has to be stopped, whether it is over or not.
+    bool start(qra_processor_type_e type, const std::string& destination, const Watch& watch = nullptr);
+    bool stop();
 
 private:
     static bool on_list(void* self, CQRAAgentHandle*, qra_event_e event, int, const char*);
@@ -42,6 +45,7 @@ private:
     int wait();
 
     qra_agent_handler_h handle_ = nullptr;
+    CQRASendHandle* job_ = nullptr;
     std::chrono::seconds patience_{60};
     Watch watch_;
     std::mutex mutex_;
