@@ -36,4 +36,15 @@ private:
     std::string path_;
 };
 
+/// Number of descriptors of this process that point below a directory.
+inline int descriptors_below(const std::string& directory) {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code error;
+        const std::string target = std::filesystem::read_symlink(entry.path(), error).string();
+        count += target.rfind(directory + "/", 0) == 0 ? 1 : 0;
+    }
+    return count;
+}
+
 #endif

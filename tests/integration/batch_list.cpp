@@ -68,9 +68,10 @@ void BatchList::select_all() const {
 }
 
 int BatchList::run(qra_processor_type_e type, const std::string& destination, const Watch& watch) {
-    if (!start(type, destination, watch)) {
-        return -1;
-    }
+    return start(type, destination, watch) ? finish() : -1;
+}
+
+int BatchList::finish() {
     const int event = wait();
     return stop() ? event : -1;
 }

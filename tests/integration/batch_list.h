@@ -33,8 +33,10 @@ public:
     using Watch = std::function<void(qra_event_e, const qra_share_status_info_s&)>;
     /// Runs a job to its end and stops it; the event with which it ended, or -1.
     int run(qra_processor_type_e type, const std::string& destination, const Watch& watch = nullptr);
-    /// The two halves of it: a job that was started has to be stopped, whether it is over or not.
+    /// The two halves of it.
     bool start(qra_processor_type_e type, const std::string& destination, const Watch& watch = nullptr);
+    int finish();
+    /// Stops a job that was started, whether it is over or not.
     bool stop();
 
 private:

@@ -14,6 +14,7 @@
 
 #include "media_content.h"
 #include "media_content_admin.h"
+#include "tests/fakes/temp_dir.h"
 #include "tests/integration/batch_list.h"
 
 namespace fs = std::filesystem;
@@ -33,7 +34,8 @@ std::string take(char* text) {
     return copy;
 }
 
-/// A media database of its own with one drive, which the test fills.
+/// A media database of its own with one drive, which the test fills. After each test no descriptor points
+/// below the drive.
 class BatchJobs : public ::testing::Test {
 protected:
     BatchJobs() {
@@ -45,6 +47,7 @@ protected:
         fs::create_directories(target("backup"));
     }
     ~BatchJobs() override {
+        EXPECT_EQ(descriptors_below(target("")), 0);
         media_content_disconnect();
         fs::remove_all(root_);
     }
@@ -179,6 +182,55 @@ TEST_F(BatchJobs, AnEmptySelectionIsFinishedAtOnce) {
     list.navigate(QRA_NAVIGATION_TYPE_SELECTED);
     EXPECT_EQ(list.run(QRA_PROCESSOR_TYPE_DELETE, path("backup")), QRA_EVENT_BATCH_FINISHED);
     EXPECT_EQ(rows_below("folder"), Names{"a.jpg"});
+}
+
+TEST_F(BatchJobs, TwoJobsAtOnceCopyTwoSelectionsToOnePlaceWithTheirRows) {
+    constexpr size_t kFiles = 8;
+    fs::create_directories(target("other"));
+    for (size_t i = 0; i < kFiles; ++i) {
+        add("pictures/photo.jpg", "folder/" + std::to_string(i) + ".jpg");
+        add("pictures/photo.jpg", "other/" + std::to_string(i) + ".jpg");
+    }
+    scan();
+    BatchList one(path("folder"));
+    BatchList other(path("other"));
+    for (BatchList* list : {&one, &other}) {
+        ASSERT_TRUE(list->ok());
+        list->select_all();
+        list->navigate(QRA_NAVIGATION_TYPE_SELECTED);
+        ASSERT_TRUE(list->start(QRA_PROCESSOR_TYPE_COPY, path("backup")));
+    }
+    EXPECT_EQ(one.finish(), QRA_EVENT_BATCH_FINISHED);
+    EXPECT_EQ(other.finish(), QRA_EVENT_BATCH_FINISHED);
+    Names files;
+    for (const fs::directory_entry& entry : fs::directory_iterator(target("backup/PHOTO"))) {
+        EXPECT_EQ(content_of(entry.path()), content_of(target("folder/0.jpg"))) << entry.path();
+        files.push_back("PHOTO/" + entry.path().filename().string());
+    }
+    std::sort(files.begin(), files.end());
+    EXPECT_EQ(files.size(), 2 * kFiles);
+    EXPECT_EQ(rows_below("backup"), files);
+}
+
+TEST_F(BatchJobs, EachRowIsThereWhenItsFileIsReported) {
+    constexpr int kFiles = 5;
+    for (int i = 0; i < kFiles; ++i) {
+        add("pictures/photo.jpg", "folder/" + std::to_string(i) + ".jpg");
+    }
+    scan();
+    BatchList list(path("folder"));
+    ASSERT_TRUE(list.ok());
+    list.select_all();
+    list.navigate(QRA_NAVIGATION_TYPE_SELECTED);
+    std::vector<size_t> rows;
+    EXPECT_EQ(list.run(QRA_PROCESSOR_TYPE_COPY, path("backup"),
+                       [&](qra_event_e event, const qra_share_status_info_s&) {
+                           if (event == QRA_EVENT_BATCH_FILE_DONE) {
+                               rows.push_back(rows_below("backup").size());
+                           }
+                       }),
+              QRA_EVENT_BATCH_FINISHED);
+    EXPECT_EQ(rows, (std::vector<size_t>{1, 2, 3, 4, 5}));
 }
 
 TEST_F(BatchJobs, AKilledCopyLeavesWholeFilesAndAtMostOnePartOfOneWithoutARow) {

@@ -43,11 +43,11 @@ protected:
             return hit ? error : 0;
         };
     }
-    /// Copies the selection to its end, for a client of its own.
-    void copy_for(BatchClient& client) {
+    /// Works on the selection to its end, for a client of its own.
+    void copy_for(BatchClient& client) { run_for(client, QRA_PROCESSOR_TYPE_COPY); }
+    void run_for(BatchClient& client, qra_processor_type_e type) {
         CQRASendHandle* job = nullptr;
-        ASSERT_EQ(qra_batch_process_v2(QRA_PROCESSOR_TYPE_COPY, &param_, list_, client.param(), &job),
-                  QRA_ERROR_NONE);
+        ASSERT_EQ(qra_batch_process_v2(type, &param_, list_, client.param(), &job), QRA_ERROR_NONE);
         EXPECT_TRUE(client.wait_for_end());
         EXPECT_EQ(qra_stop_batch_process_v2(job), QRA_ERROR_NONE);
     }
@@ -446,4 +446,102 @@ TEST_F(ShareFault, TheStatusAddsUpAtEveryEventWhateverFails) {
     }
     EXPECT_GT(failed, 10);
     EXPECT_LT(failed, 70);
+}
+
+namespace {
+
+/// Checks at every event of a delete that the status agrees with what became of the items.
+class DeleteCheck {
+public:
+    DeleteCheck(const ShareScript& script, std::vector<bool> skipped, unsigned seed)
+        : script_(script), skipped_(std::move(skipped)), seed_(seed) {}
+
+    void see(const BatchEvent& event) {
+        const qra_share_status_info_s& status = event.status;
+        SCOPED_TRACE("seed " + std::to_string(seed_) + ", event " + std::to_string(event.event));
+        EXPECT_FALSE(over_);
+        EXPECT_EQ(status.nTotalCount, static_cast<int>(skipped_.size()));
+        EXPECT_EQ(status.llProgressedTotalSize, 0u);
+        switch (event.event) {
+            case QRA_EVENT_BATCH_FILE_DONE:
+                skip_to(status.nFinishedCount - 1);
+                finished_ = status.nFinishedCount;
+                EXPECT_FALSE(is_there(next_));
+                EXPECT_EQ(script_.deleted.back(), script_.items[next_].texts.at("ID_QRA"));
+                ++next_;
+                break;
+            case QRA_EVENT_BATCH_FAILED:
+                skip_to(status.nFinishedCount);
+                expect_untouched(next_ + 1);
+                over_ = failed_ = true;
+                break;
+            default:
+                EXPECT_EQ(event.event, QRA_EVENT_BATCH_FINISHED);
+                EXPECT_EQ(status.nFinishedCount, finished_);
+                skip_to(status.nTotalCount);
+                over_ = true;
+        }
+    }
+    bool failed() const { return failed_; }
+
+private:
+    bool is_there(size_t item) const { return fs::exists(script_.items[item].texts.at("FILE_PATH")); }
+    /// The items up to that one were left out without a word.
+    void skip_to(int item) {
+        ASSERT_LE(next_, static_cast<size_t>(item));
+        ASSERT_LE(static_cast<size_t>(item), skipped_.size());
+        for (; next_ < static_cast<size_t>(item); ++next_) {
+            EXPECT_TRUE(skipped_[next_] && is_there(next_)) << next_;
+        }
+    }
+    void expect_untouched(size_t first) const {
+        for (size_t item = first; item < skipped_.size(); ++item) {
+            EXPECT_TRUE(is_there(item)) << item;
+        }
+    }
+
+    const ShareScript& script_;
+    const std::vector<bool> skipped_;
+    const unsigned seed_;
+    size_t next_ = 0;
+    int finished_ = 0;
+    bool over_ = false;
+    bool failed_ = false;
+};
+
+}  // namespace
+
+TEST_F(ShareFault, TheStatusOfADeleteAddsUpAtEveryEventWhateverFails) {
+    int failed = 0;
+    for (unsigned seed = 1; seed <= 60; ++seed) {
+        std::mt19937 random(seed);
+        const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
+        script_.items.clear();
+        script_.deleted.clear();
+        std::vector<bool> skipped;
+        const unsigned files = below(7);
+        for (unsigned i = 0; i < files; ++i) {
+            const std::string stem = std::to_string(seed) + "-" + std::to_string(i);
+            const unsigned kind = below(4);
+            if (kind == 0) {
+                select(stem + ".jpg", "x");
+            } else if (kind == 1) {
+                select(stem + ".avi", "x", QRA_MEDIA_TYPE_VIDEO);
+                dir_.write("source/" + stem + ".srt", "s");
+            } else {
+                dir_.write("source/" + stem + ".inf",
+                           std::string("[recording]\nfinished=") + (kind == 2 ? "true" : "false") + "\n");
+                select(stem + ".srf", "x", QRA_MEDIA_TYPE_PVR);
+            }
+            skipped.push_back(kind == 3);
+        }
+        fail("unlink", 1 + static_cast<int>(below(8)), EACCES);
+        DeleteCheck check(script_, skipped, seed);
+        BatchClient client;
+        client.on_event([&](CQRASendHandle*, const BatchEvent& event) { check.see(event); });
+        run_for(client, QRA_PROCESSOR_TYPE_DELETE);
+        failed += check.failed() ? 1 : 0;
+    }
+    EXPECT_GT(failed, 5);
+    EXPECT_LT(failed, 55);
 }

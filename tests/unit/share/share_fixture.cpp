@@ -122,16 +122,6 @@ bool BatchClient::on_share(void* self, CQRASendHandle* handle, qra_event_e event
     return true;
 }
 
-int descriptors_below(const std::string& directory) {
-    int count = 0;
-    for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd")) {
-        std::error_code error;
-        const std::string target = fs::read_symlink(entry.path(), error).string();
-        count += target.rfind(directory + "/", 0) == 0 ? 1 : 0;
-    }
-    return count;
-}
-
 ShareTest::ShareTest() : list_(&list_handle_), dest_(dir_.path("dest")) {
     fs::create_directories(dest_);
     fs::create_directories(dir_.path("source"));

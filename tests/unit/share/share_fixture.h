@@ -122,9 +122,6 @@ private:
     std::vector<BatchEvent> events_;
 };
 
-/// Number of descriptors of this process that point below a directory.
-int descriptors_below(const std::string& directory);
-
 /// A list with a scripted agent in the registry, and a client. After each test no descriptor points below its
 /// directory.
 class ShareTest : public ::testing::Test {
