@@ -4,13 +4,17 @@
 #include <string>
 #include <vector>
 
-#include "platform/scsa-dmp/host/container_reader.h"
+#include "platform/scsa-dmp/host/container_digest.h"
 #include "platform/scsa-dmp/host/entry_name.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     scsa_host::MemorySource source(data, size);
-    std::vector<std::string> names;
-    scsa_host::ContainerReader(source).list(names);
+    scsa_host::ContainerReader walked(source);
+    scsa_host::ContainerDigest digest;
+    if (walked.open()) {
+        scsa_host::take_digest(walked, digest);
+    }
+    std::vector<std::string>& names = digest.names;
     names.resize(std::min<size_t>(names.size(), 4));
     for (const std::string& name : names) {
         scsa_host::kind_of(name);

@@ -85,6 +85,9 @@ public:
 
     /// A wanted file is read in larger pieces than the names before it, and may be larger than all of them.
     void turn_to_data() {
+        if (most_unpacked_ != 0) {
+            return;
+        }
         block_ = kDataBlock;
         budget_ = kLargestEntry + kLargestDirectory;
     }
@@ -184,6 +187,11 @@ void ContainerReader::choose_formats() {
 }
 
 bool ContainerReader::open() {
+    const Utf8Names utf8;
+    if (source_.size() == ZipEnd::kSize && read_zip_end(source_).is_all) {
+        is_empty_ = true;  // a ZIP without any file, which libarchive does not know as one
+        return true;
+    }
     archive_.reset(archive_read_new());
     archive* const handle = archive_.get();
     if (!handle) {
@@ -197,14 +205,20 @@ bool ContainerReader::open() {
     if (archive_read_open1(handle) != ARCHIVE_OK) {
         return fail("it is no container");
     }
-    if (archive_filter_code(handle, 0) != ARCHIVE_FILTER_NONE) {
+    if (is_compressed()) {
         input_->turn_to_compressed();
     }
     return true;
 }
 
+bool ContainerReader::is_compressed() const {
+    return archive_ && archive_filter_code(archive_.get(), 0) != ARCHIVE_FILTER_NONE;
+}
+
 bool ContainerReader::next() {
-    while (true) {
+    const Utf8Names utf8;
+    reason_.clear();
+    while (!is_empty_) {
         const int result = archive_read_next_header(archive_.get(), &entry_);
         if (result == ARCHIVE_EOF) {
             return false;
@@ -221,29 +235,16 @@ bool ContainerReader::next() {
             return true;
         }
     }
+    return false;
 }
 
 std::string ContainerReader::name() const {
+    const Utf8Names utf8;
     const char* const name = archive_entry_pathname(entry_);
     return uri_of(name ? name : "");
 }
 
-bool ContainerReader::list(std::vector<std::string>& names) {
-    const Utf8Names utf8;
-    if (source_.size() == ZipEnd::kSize && read_zip_end(source_).is_all) {
-        return true;  // a ZIP without any file, which libarchive does not know as one
-    }
-    if (!open()) {
-        return false;
-    }
-    while (next()) {
-        names.push_back(name());
-    }
-    return reason_.empty();
-}
-
 bool ContainerReader::find(const std::string& wanted) {
-    const Utf8Names utf8;
     if (!open()) {
         return false;
     }
@@ -284,6 +285,7 @@ bool ContainerReader::read(ImageBytes& bytes) {
             return fail("the file is broken");
         }
         done += static_cast<size_t>(count);
+        unpacked_files_ += static_cast<uint64_t>(count);
         if (done < room) {
             break;
         }
@@ -294,16 +296,23 @@ bool ContainerReader::read(ImageBytes& bytes) {
     return bytes.resize(done);
 }
 
+uint64_t ContainerReader::unpacked() const {
+    return is_compressed() ? static_cast<uint64_t>(archive_filter_bytes(archive_.get(), 0)) : unpacked_files_;
+}
+
+bool ContainerReader::is_stored() const {
+    archive* const handle = archive_.get();
+    return !is_compressed() && archive_entry_size_is_set(entry_) && archive_entry_sparse_count(entry_) == 0 &&
+           (archive_format(handle) != ARCHIVE_FORMAT_ZIP ||
+            ends_with(archive_format_name(handle), "(uncompressed)"));
+}
+
 std::optional<ByteRange> ContainerReader::stored_place() {
     const Utf8Names utf8;
     archive* const handle = archive_.get();
-    const bool as_it_is = archive_filter_code(handle, 0) == ARCHIVE_FILTER_NONE &&
-                          archive_entry_size_is_set(entry_) && archive_entry_sparse_count(entry_) == 0 &&
-                          (archive_format(handle) != ARCHIVE_FORMAT_ZIP ||
-                           ends_with(archive_format_name(handle), "(uncompressed)"));
     const ByteRange place{static_cast<uint64_t>(archive_filter_bytes(handle, 0)),
                           static_cast<uint64_t>(archive_entry_size(entry_))};
-    if (!as_it_is || place.offset > source_.size() || place.length > source_.size() - place.offset) {
+    if (!is_stored() || place.offset > source_.size() || place.length > source_.size() - place.offset) {
         return std::nullopt;
     }
     // The place is where libarchive stands; that the file's bytes begin there is better seen than believed.

@@ -5,7 +5,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "platform/scsa-dmp/host/image_bytes.h"
 #include "platform/scsa-dmp/host/package_file.h"
@@ -22,7 +21,7 @@ namespace scsa_host {
  * deflated. Files are skipped by seeking. Nothing is unpacked but the file that is asked for, and that into
  * memory; names are compared and handed out, and never used as paths. Links and folders are no files.
  *
- * One reader answers one question: what it has walked over does not come again.
+ * One reader walks once: what it has walked over does not come again.
  */
 class ContainerReader {
 public:
@@ -32,19 +31,28 @@ public:
     ContainerReader(const ContainerReader&) = delete;
     ContainerReader& operator=(const ContainerReader&) = delete;
 
-    /// The names of all files, as URIs.
-    bool list(std::vector<std::string>& names);
+    bool open();
+    /// Whether all of it is compressed, so that nothing is reached but by unpacking what precedes it.
+    bool is_compressed() const;
+    /// Turns to the next file; false at the end, and with a reason when the container is broken.
+    bool next();
 
-    /// Turns to the first file of a name.
+    /// Opens, and turns to the first file of a name.
     bool find(const std::string& name);
 
-    // The file that was found.
+    // The file that the reader turned to.
 
+    /// Its name, as a URI.
+    std::string name() const;
+    /// Whether its bytes lie in the container as they are.
+    bool is_stored() const;
+    /// Where they lie, if it is stored and in one piece. Nothing else can be asked of the reader then.
+    std::optional<ByteRange> stored_place();
     /// All bytes.
     bool read(ImageBytes& bytes);
-    /// Where it lies in the container, if it lies there as it is and in one piece.
-    std::optional<ByteRange> stored_place();
 
+    /// How many bytes were unpacked so far.
+    uint64_t unpacked() const;
     /// Why it failed.
     const std::string& reason() const { return reason_; }
 
@@ -52,10 +60,6 @@ private:
     class Input;
 
     void choose_formats();
-    bool open();
-    /// Turns to the next file; false at the end, and with a reason when the container is broken.
-    bool next();
-    std::string name() const;
     bool is_readable();
     bool fail(const char* reason);
 
@@ -64,6 +68,8 @@ private:
     std::unique_ptr<archive, int (*)(archive*)> archive_;
     archive_entry* entry_ = nullptr;
     size_t entries_ = 0;
+    bool is_empty_ = false;
+    uint64_t unpacked_files_ = 0;
     std::string reason_;
 };
 

@@ -16,6 +16,13 @@ constexpr size_t kMostEntries = 1024;
 constexpr uint64_t kLargestDirectory = 4U << 20;
 /// The same after unpacking, where the whole container is compressed.
 constexpr uint64_t kMostUnpacked = 2 * kLargestEntry;
+/// What the texts of one container may cost in all: bytes that are read, and bytes that are unpacked. A read
+/// costs as much as some bytes do.
+constexpr uint64_t kMostTextCost = 512U << 20;
+constexpr uint64_t kReadCost = 256;
+/// Containers that are remembered, and the texts that are kept of one which is compressed.
+constexpr size_t kKnownContainers = 4;
+constexpr size_t kMostKeptText = 16U << 20;
 /// A table of an SFF: where items are, how samples lie.
 constexpr size_t kLargestTable = 1U << 20;
 constexpr size_t kLargestItemInfo = 4096;

@@ -8,6 +8,16 @@
 #include <cerrno>
 
 namespace scsa_host {
+namespace {
+
+std::array<uint64_t, 7> facts_of(const struct stat& status) {
+    const auto fact = [](auto number) { return static_cast<uint64_t>(number); };
+    return {fact(status.st_dev),         fact(status.st_ino),          fact(status.st_size),
+            fact(status.st_mtim.tv_sec), fact(status.st_mtim.tv_nsec), fact(status.st_ctim.tv_sec),
+            fact(status.st_ctim.tv_nsec)};
+}
+
+}  // namespace
 
 PackageFile::PackageFile(const std::string& path) {
     // A pipe in the place of a file must not hold anybody up.
@@ -15,6 +25,7 @@ PackageFile::PackageFile(const std::string& path) {
     struct stat status {};
     if (file && fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode)) {
         size_ = static_cast<uint64_t>(status.st_size);
+        state_ = {path, facts_of(status)};
         file_ = std::move(file);
     }
 }
@@ -39,6 +50,10 @@ size_t PackageFile::read(uint64_t offset, void* out, size_t length) {
     }
     bytes_left_ -= done;
     return done;
+}
+
+uint64_t PackageFile::cost() const {
+    return kMostBytes - bytes_left_ + static_cast<uint64_t>(kMostReads - reads_left_) * kReadCost;
 }
 
 size_t PartSource::read(uint64_t offset, void* out, size_t length) {
