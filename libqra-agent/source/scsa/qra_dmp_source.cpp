@@ -16,8 +16,8 @@ using SCSA_DMP::MetaDataExtractor;
 
 constexpr std::string_view STAND_ALONE_EXTENSIONS[] = {"uvu", "uva", "uvt", "scsa"};
 
-/// All XML of one package's films together, and that of its description. What it tells is kept, and may take
-/// twenty times its room.
+/// All XML of one package's films together, and that of its table and its description together. What it tells
+/// is kept, and may take twenty times its room.
 constexpr size_t MOST_XML = 16 << 20;
 
 /// Takes the size of a text off what is left for its package; false, with a log line, if that is not enough.
@@ -129,6 +129,10 @@ bool CQRADmpSource::m_GetMeteData(std::vector<std::string>& vEmbeddedFileList) {
     }
     std::string strTableOfContents;
     MetaDataExtractor::GetXML(m_strCurFilePath, vEmbeddedFileList[iTableOfContents], strTableOfContents);
+    size_t nLeft = MOST_XML;
+    if (!TakeRoom(strTableOfContents, nLeft)) {
+        return false;
+    }
     int iMetadataXML = -1;
     CQRADmpParseXml().ParseDMPTableOfContents(strTableOfContents, vEmbeddedFileList, iMetadataXML);
     if (iMetadataXML == -1) {
@@ -140,7 +144,6 @@ bool CQRADmpSource::m_GetMeteData(std::vector<std::string>& vEmbeddedFileList) {
         QRA_LOG_WARNING(QRA_TAG_DMP, "DmpSource: GetMetaData has failed");
         return false;
     }
-    size_t nLeft = MOST_XML;
     if (!TakeRoom(strMetadata, nLeft)) {
         return false;
     }

@@ -52,6 +52,15 @@ protected:
     bool result = false;
 };
 
+/// A text of ASCII in UTF-16, with a mark in front.
+std::string utf16(const std::string& text, bool big_end = false) {
+    std::string wide = big_end ? "\xFE\xFF" : "\xFF\xFE";
+    for (const char c : text) {
+        wide += big_end ? std::string{'\0', c} : std::string{c, '\0'};
+    }
+    return wide;
+}
+
 std::string table_naming(const std::string& name) {
     return "<TOC><DescriptiveMetadata>" + name + "</DescriptiveMetadata></TOC>";
 }
@@ -334,7 +343,23 @@ TEST_F(CQRADmpParseXmlTest, AnElementWithAttributesWithoutEndIsNoXml) {
     for (const char c : "<m a=''>" + blanks + "</m>") {
         wide += {c, '\0'};
     }
+    std::string names;
+    for (int i = 0; i < 500; ++i) {
+        names += " xmlns:n" + std::to_string(i) + "='u'" + (i % 100 == 99 ? "><m" : "");
+    }
+    names = "<m" + names + ">";
+    for (int i = 0; i < 140000; ++i) {
+        names += "<n0:b/>";
+    }
+    const std::string short_type =
+        "<!DOCTYPE m [<!ATTLIST m a CDATA ''>]><m>" + std::string(4100, ' ') + "</m>";
     const std::pair<const char*, std::string> texts[] = {
+        {"many names in many namespaces", names},
+        {"a document type that declares", short_type},
+        {"a document type that declares, of two bytes a letter", utf16(short_type)},
+        {"attributes of two bytes a letter", utf16("<m" + attributes + "/>")},
+        {"another encoding behind UTF-16",
+         utf16("<?xml version='1.0' encoding='UTF-7'?><m>" + blanks + "</m>")},
         {"attributes", "<m" + attributes + "/>"},
         {"in the middle", "<m><!-- \" --><b \"><b" + attributes + "/></m>"},
         {"a long tag", "<m a='>" + blanks + "'/>"},
@@ -370,6 +395,26 @@ TEST_F(CQRADmpParseXmlTest, ALongDocumentIsReadWhole) {
         ASSERT_EQ(data.images.size(), 3000u) << begin;
         EXPECT_EQ(data.images.back().nWidth, 2999) << begin;
     }
+}
+
+TEST_F(CQRADmpParseXmlTest, ALongDocumentInUtf16IsReadWhole) {
+    const std::string body = metadata_xml("Film") + "<!--" + std::string(40000, '=') + "-->";
+    const std::string bare = body.substr(body.find("<mddece:MetadataSet"));
+    for (const std::string& text :
+         {bare + "<!-- encoding='x' ?> -->", "<?xml version='1.0' encoding='utf-16'?>" + bare,
+          "<?xml version='1.0'?><!DOCTYPE m SYSTEM 'm.dtd'>" + bare}) {
+        EXPECT_EQ(parse(utf16(text)).common.strTitleDisplay60, "Film 60");
+        EXPECT_EQ(parse(utf16(text, true)).common.strTitleDisplay60, "Film 60");
+        EXPECT_FALSE(result);
+    }
+}
+
+TEST_F(CQRADmpParseXmlTest, ADocumentTypeThatDeclaresNothingIsRead) {
+    const std::string xml =
+        "<!DOCTYPE m PUBLIC '-//x' \"m.dtd\" ><m><ContentMetadata><Publisher>[p]</Publisher>"
+        "</ContentMetadata>" +
+        std::string(5000, ' ') + "</m>";
+    EXPECT_EQ(parse(xml).common.strPublisher, "[p]");
 }
 
 TEST_F(CQRADmpParseXmlTest, NothingIsWrittenToTheStandardError) {

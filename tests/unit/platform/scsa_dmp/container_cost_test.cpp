@@ -1,5 +1,7 @@
+#include <atomic>
 #include <cstdlib>
 #include <random>
+#include <thread>
 
 #include "tests/unit/platform/scsa_dmp/counted_reads.h"
 #include "tests/unit/platform/scsa_dmp/packages_test.h"
@@ -118,6 +120,32 @@ TEST_F(ContainerCost, OnlyTheContainersThatWereAskedLastAreRemembered) {
     EXPECT_GT(reads_of(1), 0u) << "the one that was not asked for longest";
     EXPECT_EQ(reads_of(0), 0u);
     EXPECT_EQ(reads_of(4), 0u);
+}
+
+TEST_F(ContainerCost, ThreadsMayAskContainersAtOnce) {
+    std::vector<std::string> packages;
+    for (int number = 0; number < 6; ++number) {
+        packages.push_back(make({{"f.uvu", sff_bytes({"<m/>"})}, {"a.xml", "<a/>"}}, Form::kTarGz,
+                                "c" + std::to_string(number)));
+    }
+    std::atomic<int> right{0};
+    std::vector<std::thread> threads;
+    for (size_t thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([&, thread] {
+            for (size_t round = 0; round < 24; ++round) {
+                const std::string& package = packages[(thread + round) % packages.size()];
+                Names names;
+                std::string text;
+                right += SCSA_DMP::MetaDataExtractor::GetFileList(package, names) && names.size() == 2;
+                right += SCSA_DMP::MetaDataExtractor::GetXML(package, "a.xml", text) && text == "<a/>";
+                right += xml_size(package, "f.uvu") >= 4;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(right, 4 * 24 * 3);
 }
 
 TEST_F(ContainerCost, TheTextsOfAContainerMayCostOnlySoMuch) {
