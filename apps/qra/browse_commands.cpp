@@ -53,6 +53,9 @@ std::string heading(const CommandLine& line, const ListRequest& request) {
     if (line.list.source == kServerSource) {
         return printable_text(line.path + ", folder " + line.list.folder_id) + "  " + summary(request);
     }
+    if (line.list.source == kPlaylistSource) {
+        return printable_text(line.path + ", playlist " + line.list.playlist) + "  " + summary(request);
+    }
     if (line.list.source != kCameraSource) {
         return printable_text(line.path) + "  " + summary(request);
     }

@@ -9,6 +9,10 @@ std::string Browsing::prepare(const CommandLine& line) {
     if (line.list.source == kServerSource) {
         return network_.emplace().find(line.path);
     }
+    if (line.list.source == kPlaylistSource) {
+        MediaDrives& drives = drives_.emplace();
+        return drives.drive_of(media_path(drives, line.path)).link_path;
+    }
     if (line.list.source != kCameraSource) {
         engine_.emplace();
     }

@@ -261,8 +261,26 @@ void check_server_list(const CLI::App& command, ListOptions& list) {
     prepare_server_list(command, list);
 }
 
+void check_playlist_list(const CLI::App& command, ListOptions& list) {
+    for (const char* option : {"PATH", "--playlist"}) {
+        if (command.count(option) == 0) {
+            throw CLI::RequiredError(option);
+        }
+    }
+    refuse(command,
+           {"--plugin", "--timeout", "--keyword", "--uhd", "--no-scan", "--bus", "--device", "--folder-id"},
+           "not for lists of playlists");
+    if (command.count("--mask") == 0) {
+        list.mask = kMedia;
+    }
+}
+
 /// Which options a list takes depends on where it comes from.
 void check_list(const CLI::App& command, CommandLine& line) {
+    if (line.list.source == kPlaylistSource) {
+        return check_playlist_list(command, line.list);
+    }
+    refuse(command, {"--playlist"}, "only for --source SOURCE_PLAYLIST");
     if (line.list.source == kCameraSource) {
         return check_camera_list(command, line.list);
     }
@@ -302,6 +320,8 @@ void add_list_command(CLI::App& app, CommandLine& line) {
     list->add_option("--plugin", line.account.name, "The account, for --source CloudSource");
     add_cloud_timeout(*list, line);
     add_camera_options(*list, line.list);
+    list->add_option("--playlist", line.list.playlist,
+                     "The playlist of PATH's drive whose songs are shown, for --source SOURCE_PLAYLIST");
     list->add_option("--offset", line.offset, "First tile to show")->check(CLI::Range(0, INT_MAX));
     list->add_option("--limit", line.limit, "Most tiles to show")->check(CLI::Range(0, INT_MAX));
     list->add_flag("--json", line.json, "One JSON object for each tile, one on a line, in list order");

@@ -22,6 +22,7 @@ GeneralParam list_param(const ListOptions& options, const std::string& path) {
         {qra_param_set_general_key_word, options.keyword},
         {qra_param_set_general_extension, options.extension},
         {qra_param_set_general_folder_id, options.folder_id},
+        {qra_param_set_general_playlist_name, options.playlist},
     });
     check("list", qra_param_set_general_bus_value(param.get(), options.bus));
     check("list", qra_param_set_general_device_value(param.get(), options.device));
@@ -32,7 +33,7 @@ GeneralParam list_param(const ListOptions& options, const std::string& path) {
 }  // namespace
 
 bool is_source_of_this_machine(const std::string& source) {
-    constexpr std::string_view kSources[] = {"SOURCE_MSC", kCameraSource, kServerSource, "SOURCE_PLAYLIST"};
+    constexpr std::string_view kSources[] = {"SOURCE_MSC", kCameraSource, kServerSource, kPlaylistSource};
     return std::find(std::begin(kSources), std::end(kSources), source) != std::end(kSources);
 }
 
@@ -42,6 +43,9 @@ ListRequest::ListRequest(const ListOptions& options, const std::string& path) {
         const qra_event_e event = wait_for_answer();
         if (event == QRA_EVENT_DLNA_ITEM_NOT_EXIST) {
             throw CommandError(ExitStatus::RequestFailed, "the server has no such folder");
+        }
+        if (event == QRA_EVENT_LIST_FAILED && options.source == kPlaylistSource) {
+            throw CommandError(ExitStatus::RequestFailed, "no such playlist, or it is empty");
         }
         if (event == QRA_EVENT_LIST_FAILED) {
             throw CommandError(ExitStatus::RequestFailed,

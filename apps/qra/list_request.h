@@ -19,6 +19,7 @@ struct ListOptions {
     int bus = 0;            ///< of a camera
     int device = 0;         ///< of a camera
     std::string folder_id;  ///< of a camera's or a media server's folder
+    std::string playlist;   ///< name of the playlist whose items are listed
     int mask = 0x26;        ///< folders, media, and the up-folder tile
     qra_page_order_e order = QRA_PAGE_ORDER_COLUMN;
     int group = -1;
@@ -39,6 +40,9 @@ inline constexpr const char* kCameraSource = "SOURCE_PTP";
 
 /// The source of media servers.
 inline constexpr const char* kServerSource = "SOURCE_DLNA";
+
+/// The source of the items of a playlist on a drive.
+inline constexpr const char* kPlaylistSource = "SOURCE_PLAYLIST";
 
 /// All other sources are the content engine's.
 bool is_source_of_this_machine(const std::string& source);

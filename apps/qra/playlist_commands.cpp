@@ -100,8 +100,8 @@ void run_playlist_list(const CommandLine& line) {
             object["SONGS_COUNT"] = playlist.items;
             print_json(object);
         } else {
-            print(printable_text(playlist.name) + "  " + std::to_string(playlist.items) +
-                  (playlist.items == 1 ? " item\n" : " items\n"));
+            print((playlist.name.empty() ? "(no name)" : printable_text(playlist.name)) + "  " +
+                  std::to_string(playlist.items) + (playlist.items == 1 ? " item\n" : " items\n"));
         }
     }
 }

@@ -54,6 +54,19 @@ class PlaylistTest(SongsTest):
         self.assertIn("Party  3 items", self.playlist("list", self.tree).stdout.decode())
         self.assertIn("jazz.wav", self.playlist("show", self.tree, "Party").stdout.decode())
 
+    def test_a_file_of_other_software_is_listed_without_a_name(self):
+        (self.tree / "other.m3u").write_text("#EXTM3U\n#EXTINF:2,Blues\nblues.wav\n")
+        self.assertEqual("(no name)  1 item\n", self.playlist("list", self.tree).stdout.decode())
+
+    def test_its_songs_are_tiles_of_a_list(self):
+        self.make("rock.wav", "Sub/jazz.wav")
+        source = "--source", "SOURCE_PLAYLIST"
+        self.assertEqual(["rock.wav", "jazz.wav"], self.names(self.tree, *source, "--playlist", "Party"))
+        self.assertIn("playlist Party", self.stdout("list", self.tree, *source, "--playlist", "Party"))
+        self.assert_fails(FAILED, "no such playlist, or it is empty", "list", self.tree, *source, "--playlist", "Soul")
+        self.assert_fails(USAGE, "--playlist is required", "list", self.tree, *source)
+        self.assert_fails(USAGE, "only for --source SOURCE_PLAYLIST", "list", self.tree, "--playlist", "Party")
+
     def test_tiles_of_a_list_are_added(self):
         self.make()
         self.playlist("add", self.tree, "Party", "--from", self.tree, "--select", "all")
