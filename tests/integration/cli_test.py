@@ -22,6 +22,7 @@ FIXTURES = Path(__file__).resolve().parents[1] / "fixtures"
 COMMANDS = ["attach", "detach", "storages", "scan", "devices", "check-device", "thumbs", "list", "get", "copy", "delete", "account"]
 CAMERA = ["list", "--source", "SOURCE_PTP"]
 LARGE = 20000
+WAIT_FOR_ENGINE = b"to start engine..."  # in the library's log
 FOLDER, IMAGE, VIDEO, MUSIC, RECORDING, GROUP, UHD, UP_FOLDER = 1, 2, 3, 5, 6, 9, 10, 13
 
 
@@ -380,21 +381,21 @@ class ListTest(ToolTest):
                                                 timeout=60).returncode)
         self.assertIn("IMG_2.png", self.stdout(*search, "IMG_2"))
 
-    def test_no_engine_and_no_bus_cost_no_time(self):
-        start = time.monotonic()
-        self.assertIn("IMG_2.png", self.stdout("list", self.tree, QRA_ENGINE="", PATH="/nowhere"))
-        self.assertLess(time.monotonic() - start, 20)  # a call that nobody answers takes 25
+    def test_engine_is_not_waited_for_without_a_bus(self):
+        result = self.qra("list", self.tree, QRA_ENGINE="", PATH="/nowhere", QRA_LOG="warning")
+        self.assertIn(b"IMG_2.png", result.stdout)
+        self.assertNotIn(WAIT_FOR_ENGINE, result.stderr)
 
     def test_private_bus_leaves_nothing_behind(self):
         self.qra("list", self.tree)
         self.assertEqual([], list(self.temporary.iterdir()))
 
-    def test_bus_without_an_engine_costs_no_time(self):
-        start = time.monotonic()
-        result = subprocess.run([WITH_BUS, QRA, "list", self.tree], env=dict(self.environment, QRA_ENGINE=""),
-                                capture_output=True, timeout=60)
+    def test_engine_is_not_waited_for_on_a_bus_without_one(self):
+        result = subprocess.run([WITH_BUS, QRA, "list", self.tree],
+                                env=dict(self.environment, QRA_ENGINE="", QRA_LOG="warning"), capture_output=True,
+                                timeout=60)
         self.assertEqual(0, result.returncode, result.stderr)
-        self.assertLess(time.monotonic() - start, 20)  # a call that nobody answers takes 25
+        self.assertNotIn(WAIT_FOR_ENGINE, result.stderr)
 
     def test_private_bus_takes_the_place_of_a_system_bus_without_an_engine(self):
         started = self.directory / "engine started"
@@ -427,7 +428,7 @@ class ListTest(ToolTest):
             bus, = self.temporary.glob("qra-bus-*/socket")
             run.process.kill()
             run.wait()
-        deadline = time.monotonic() + 10
+        deadline = time.monotonic() + 60
         while is_listening(bus):
             self.assertLess(time.monotonic(), deadline)
 

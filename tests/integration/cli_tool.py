@@ -102,7 +102,7 @@ class ToolTest(unittest.TestCase):
 
     def qra(self, *arguments, status=SUCCESS, standard_input=b"", **environment):
         result = subprocess.run([QRA, *arguments], env=dict(self.environment, **environment), input=standard_input,
-                                capture_output=True, timeout=60)
+                                capture_output=True, timeout=120)
         self.assertEqual(status, result.returncode, result)
         return result
 
