@@ -8,8 +8,7 @@ namespace engine {
 /**
  * What the tile of a folder shows, as the JSON text that clients receive: the paths of the first `count`
  * media of the content type that lie in the folder itself, or that it has none but folders, or that it is
- * empty. Reads the media database, which has to be connected; the error code in the text is 1 if the folder
- * is not in it.
+ * empty. Reads the media database; the error code in the text is 1 if the folder is not in it.
  *
  * @param path  the folder, below the media root
  */

@@ -81,6 +81,9 @@ public:
     /// What the thumbnail of the folder shows, as JSON which the caller frees; false if the folder has not
     /// been scanned.
     bool GetFolderThumbPath(int nRequestNum, char** ppThumbPath);
+    /// The same for whoever has just scanned the folder: asks the database alone, and nothing of the engine.
+    /// False if the folder is not in the database.
+    bool GetScannedFolderThumbPath(int nRequestNum, std::string& strThumbPath);
 
 private:
     struct FilterDestroy {

@@ -25,6 +25,14 @@ bool CQRAMCFWrapper::GetFolderThumbPath(int nRequestNum, char** ppThumbPath) {
     return true;
 }
 
+bool CQRAMCFWrapper::GetScannedFolderThumbPath(int nRequestNum, std::string& strThumbPath) {
+    if (!m_GetStorageId() || !m_GetFolderId()) {
+        return false;
+    }
+    strThumbPath = m_BuildFolderThumb(nRequestNum);
+    return true;
+}
+
 bool CQRAMCFWrapper::m_CheckFolderScanStatus() {
     if (!m_GetStorageId()) {
         return false;
