@@ -2,7 +2,6 @@
 
 #include <glib.h>
 #include <qra/qra_types.h>
-#include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
 #include <algorithm>
@@ -32,6 +31,19 @@ bool is_plain(std::string_view text) {
         plain &= (byte >= ' ') & (byte != '\x7f') & (byte != '"') & (byte != '\\');
     }
     return plain;
+}
+
+/// Where the JSON library writes to.
+struct TextEnd {
+    using Ch = char;
+    void Put(char byte) { text += byte; }
+    void Flush() {}
+
+    std::string& text;
+};
+
+void PutUnsafe(TextEnd& end, char byte) {
+    end.Put(byte);
 }
 
 /// Writes what is given into an object, member by member.
@@ -83,10 +95,9 @@ private:
     }
 
     void add_quoted(std::string_view text) {
-        rapidjson::StringBuffer quoted;
-        rapidjson::Writer<rapidjson::StringBuffer, rapidjson::UTF8<>, rapidjson::ASCII<>> writer(quoted);
+        TextEnd end{line_};
+        rapidjson::Writer<TextEnd, rapidjson::UTF8<>, rapidjson::ASCII<>> writer(end);
         writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-        line_.append(quoted.GetString(), quoted.GetSize());
     }
 
     std::string line_;
