@@ -21,8 +21,9 @@ namespace {
 
 constexpr char kRequestListKey[] = "qra_request_list";
 
-// Orders the end of RequestList(), the body of the completion callback and the removal in Disconnect().
-CQRAMutex m_AgentMutex;
+// Orders the end of RequestList(), the body of the completion callback and the removal in Disconnect(). Never
+// destroyed: a source may still answer while the process ends.
+CQRAMutex& m_AgentMutex = *new CQRAMutex;
 
 struct EventText {
     qra_event_e eEvent;

@@ -14,7 +14,8 @@
 #include "libqra-agent/agent/src/qra_web_agent_names.h"
 #include "libqra-agent/agent/util/qra_web_agent_json.h"
 
-CQRAMutex CQRAWebAgent::m_AgentMutex;
+// Never destroyed: signals may still come while the process ends.
+CQRAMutex& CQRAWebAgent::m_AgentMutex = *new CQRAMutex;
 
 namespace {
 

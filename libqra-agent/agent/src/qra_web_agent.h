@@ -168,7 +168,7 @@ private:
     template <class T>
     static qra_error_code_e m_GetItemValue(CQRAAgentHandle* pHandle, const char* pField, T* pValue);
 
-    static CQRAMutex m_AgentMutex;
+    static CQRAMutex& m_AgentMutex;
 
     CQRAAgentHandle* m_pHandle = nullptr;  ///< the handle that this agent serves, which owns it
 };

@@ -1,5 +1,6 @@
 #include "libqra-agent/source/local-source/qra_filter_product.h"
 
+#include <array>
 #include <string_view>
 #include <vector>
 
@@ -64,15 +65,15 @@ std::string Contains(const char* pColumn, const std::string& strText) {
 // The content types whose extensions a content type stands for; SCSA only where the device shows UHD titles.
 struct SContentTypes {
     std::string_view strContentType;
-    std::vector<const char*> vTypes;
+    std::array<const char*, 4> types;  ///< null behind the last
     bool bScsa;
 };
 
 const SContentTypes* FindContentTypes(ESearchType nSearchType, const std::string& strContentType) {
-    static const SContentTypes searchMedia{"", {"CONTENT-IMAGE", "CONTENT-VIDEO", "CONTENT-MUSIC"}, true};
-    static const SContentTypes searchPvr{"", {"CONTENT-PVR"}, false};
-    static const SContentTypes searchPhoto{"", {"CONTENT-IMAGE"}, false};
-    static const SContentTypes byContentType[] = {
+    static constexpr SContentTypes searchMedia{"", {"CONTENT-IMAGE", "CONTENT-VIDEO", "CONTENT-MUSIC"}, true};
+    static constexpr SContentTypes searchPvr{"", {"CONTENT-PVR"}, false};
+    static constexpr SContentTypes searchPhoto{"", {"CONTENT-IMAGE"}, false};
+    static constexpr SContentTypes byContentType[] = {
         {"CONTENT-FOLDER", {"CONTENT-IMAGE", "CONTENT-VIDEO", "CONTENT-MUSIC", "CONTENT-PVR"}, true},
         {"CONTENT-IMAGE", {"CONTENT-IMAGE"}, false},
         {"CONTENT-360IMAGE", {"CONTENT-IMAGE"}, false},
@@ -187,8 +188,10 @@ std::string CQRAFilterProductBase::t_GetExtensionFilter() {
     // An empty list of extensions thus selects nothing.
     std::string strFilter = NOTHING;
     if (const SContentTypes* const pTypes = FindContentTypes(t_nSearchType, t_strContentType)) {
-        for (const char* const pType : pTypes->vTypes) {
-            m_GetDisplayNameFilter(pType, strFilter);
+        for (const char* const pType : pTypes->types) {
+            if (pType != nullptr) {
+                m_GetDisplayNameFilter(pType, strFilter);
+            }
         }
         if (pTypes->bScsa && t_bIsUHDDevice) {
             m_GetDisplayNameFilter("CONTENT-SCSA", strFilter);

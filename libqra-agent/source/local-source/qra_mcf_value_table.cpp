@@ -3,7 +3,7 @@
 static_assert(std::variant_size_v<mcf_get_function> == 22 && std::variant_size_v<mcf_set_function> == 8);
 
 const mcf_get_table& CQRAMCFValueTable::GetCommon() {
-    static const mcf_get_table table = {
+    static const auto& table = *new mcf_get_table{
         {"MEDIA_TYPE", media_info_get_media_type},
         {"STORAGE_TYPE", media_info_get_storage_type},
         {"RATING", media_info_get_rating},
@@ -39,7 +39,7 @@ const mcf_get_table& CQRAMCFValueTable::GetCommon() {
 }
 
 const mcf_get_table& CQRAMCFValueTable::GetImage() {
-    static const mcf_get_table table = {
+    static const auto& table = *new mcf_get_table{
         {"WIDTH", image_meta_get_width},
         {"HEIGHT", image_meta_get_height},
         {"ORIENTATION", image_meta_get_orientation},
@@ -54,7 +54,7 @@ const mcf_get_table& CQRAMCFValueTable::GetImage() {
 }
 
 const mcf_get_table& CQRAMCFValueTable::GetVideo() {
-    static const mcf_get_table table = {
+    static const auto& table = *new mcf_get_table{
         {"WIDTH", video_meta_get_width},
         {"HEIGHT", video_meta_get_height},
         {"DURATION", video_meta_get_duration},
@@ -64,7 +64,7 @@ const mcf_get_table& CQRAMCFValueTable::GetVideo() {
 }
 
 const mcf_get_table& CQRAMCFValueTable::GetAudio() {
-    static const mcf_get_table table = {
+    static const auto& table = *new mcf_get_table{
         {"DURATION", audio_meta_get_duration},
         {"CHANNEL", audio_meta_get_channel},
         {"BITRATE", audio_meta_get_bit_rate},
@@ -83,7 +83,7 @@ const mcf_get_table& CQRAMCFValueTable::GetAudio() {
 }
 
 const mcf_get_table& CQRAMCFValueTable::GetPVR() {
-    static const mcf_get_table table = {
+    static const auto& table = *new mcf_get_table{
         {"TIMEZONE", media_pvr_get_timezone},
         {"PTC", media_pvr_get_ptc},
         {"MAJOR", media_pvr_get_major},
@@ -135,7 +135,7 @@ const mcf_get_table& CQRAMCFValueTable::GetPVR() {
 }
 
 const mcf_get_table& CQRAMCFValueTable::GetUHD() {
-    static const mcf_get_table table = {
+    static const auto& table = *new mcf_get_table{
         {"ID_QRA", media_uhd_get_media_id},
         {"UHD_SERVER_ID", media_uhd_get_content_id},
         {"FILE_PATH", media_uhd_get_path},
@@ -151,7 +151,7 @@ const mcf_get_table& CQRAMCFValueTable::GetUHD() {
 }
 
 const mcf_get_table& CQRAMCFValueTable::GetFolder() {
-    static const mcf_get_table table = {
+    static const auto& table = *new mcf_get_table{
         {"ID_QRA", media_folder_get_folder_id},
         {"PARENT_ID", media_folder_get_parent_folder_id},
         {"FILE_PATH", media_folder_get_path},
@@ -164,7 +164,7 @@ const mcf_get_table& CQRAMCFValueTable::GetFolder() {
 }
 
 const mcf_set_table& CQRAMCFValueTable::SetMedia() {
-    static const mcf_set_table table = {
+    static const auto& table = *new mcf_set_table{
         {"PLAYED_COUNT", media_info_set_played_count},
         {"PLAYED_POSITION", media_info_set_played_position},
         {"PLAYED_TIME", media_info_set_played_time},
@@ -173,7 +173,7 @@ const mcf_set_table& CQRAMCFValueTable::SetMedia() {
 }
 
 const mcf_set_table& CQRAMCFValueTable::SetPVR() {
-    static const mcf_set_table table = {
+    static const auto& table = *new mcf_set_table{
         {"PLAY_COUNT", media_pvr_set_play_count},
         {"PROGRAM_TITLE", media_pvr_set_program_title},
         {"CONTENT_LOCK", media_pvr_set_content_lock},
@@ -183,7 +183,7 @@ const mcf_set_table& CQRAMCFValueTable::SetPVR() {
 }
 
 const mcf_set_table& CQRAMCFValueTable::SetUHD() {
-    static const mcf_set_table table = {
+    static const auto& table = *new mcf_set_table{
         {"PLAYED_POSITION", media_uhd_set_played_position},
         {"SUB_TYPE", media_uhd_set_sub_type},
         {"PLAYED_COUNT", media_uhd_set_played_count},

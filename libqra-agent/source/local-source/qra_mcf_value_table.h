@@ -44,7 +44,8 @@ using mcf_set_function = std::variant<int (*)(media_info_h, int),          // 0
 using mcf_get_table = std::unordered_map<std::string_view, mcf_get_function>;
 using mcf_set_table = std::unordered_map<std::string_view, mcf_set_function>;
 
-/// Which getters and setters of the platform stand behind the value keys. Constant; any thread may read.
+/// Which getters and setters of the platform stand behind the value keys. Constant, and never destroyed; any
+/// thread may read, also while the process ends.
 class CQRAMCFValueTable {
 public:
     /// For every row of the media table, whatever its kind.

@@ -62,8 +62,9 @@ bool comes_after(const _stDLNAMediaItem& left, const _stDLNAMediaItem& right) {
     return bLeftFolder != bRightFolder ? bRightFolder : left.nIndex > right.nIndex;
 }
 
-/// Stands for a group without an item: the folder of the request.
-const _stDLNAGroupItem NO_GROUP;
+/// Stands for a group without an item: the folder of the request. Never destroyed: a source may still be at
+/// work while the process ends.
+const _stDLNAGroupItem& NO_GROUP = *new _stDLNAGroupItem;
 
 }  // namespace
 

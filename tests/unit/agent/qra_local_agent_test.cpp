@@ -1,6 +1,10 @@
 #include "libqra-agent/agent/src/qra_local_agent.h"
 
+#include <unistd.h>
+
 #include <atomic>
+#include <cstdlib>
+#include <functional>
 #include <future>
 #include <thread>
 
@@ -367,6 +371,35 @@ TEST_F(LocalAgent, AFailedRepeatWaitsForTheCallbackBeforeTheAgentGoes) {
         script_.execute_works = false;
         ASSERT_EQ(request(), QRA_ERROR_INVALID_PARAM);
     }
+}
+
+// The end of the process.
+
+/// What the process does last, when all static objects of the program have gone.
+std::function<void()>* g_last_act = nullptr;
+
+__attribute__((constructor(101))) void do_at_last() {
+    std::atexit([] {
+        if (g_last_act != nullptr)
+            (*g_last_act)();
+    });
+}
+
+using LocalAgentDeathTest = LocalAgent;
+
+TEST_F(LocalAgentDeathTest, AnAnswerStillReachesTheClientWhileTheProcessEnds) {
+    ASSERT_EQ(request(), QRA_ERROR_NONE);
+    std::function<void()> answer = [&] {
+        source_->complete(QRA_EVENT_LIST_SUCCESS);
+        _exit(answers_.size() == 1 ? 0 : 2);
+    };
+
+    EXPECT_EXIT(
+        {
+            g_last_act = &answer;
+            std::exit(1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
