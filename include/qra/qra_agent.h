@@ -225,9 +225,8 @@ QRA_API qra_error_code_e qra_cancel_detail_request_v2(qra_agent_handler_h hAgent
  * any
  * @retval QRA_ERROR_NONE           the page is there
  * @retval QRA_ERROR_INVALID_HANDLE no live list handle, or its source has no groups to give
- * @retval QRA_ERROR_INVALID_PARAM  `pParam` is null, a row or column number is not above 0, or the mask is
- * refused
- * @retval QRA_ERROR_INTERNAL       nothing could be laid out
+ * @retval QRA_ERROR_INVALID_PARAM  `pParam` is null, a row or column number is 0, or the mask is refused
+ * @retval QRA_ERROR_INTERNAL       nothing could be laid out, as with a negative row or column number
  */
 QRA_API qra_error_code_e qra_set_page_style_v2(qra_agent_handler_h hAgent, qra_page_param_h pParam);
 
