@@ -18,8 +18,10 @@ std::string base_name(const std::string& relative) {
     return relative.substr(relative.rfind('/') + 1);
 }
 
+// The statements are never destroyed: a scan may still write while the process ends.
+
 const std::string& insert_media_statement() {
-    static const std::string sql = [] {
+    static const auto& sql = *new std::string([] {
         const RecordTable& table = media_record_table();
         std::string names = "INSERT INTO media(storage, folder, name, name_key, extension, added_time";
         std::string marks = ") VALUES(?, ?, ?, ?, ?, ?";
@@ -28,12 +30,12 @@ const std::string& insert_media_statement() {
             marks += ", ?";
         }
         return names + marks + ")";
-    }();
+    }());
     return sql;
 }
 
 const std::string& update_media_statement() {
-    static const std::string sql = update_statement(media_record_table());
+    static const auto& sql = *new std::string(update_statement(media_record_table()));
     return sql;
 }
 

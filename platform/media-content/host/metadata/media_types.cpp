@@ -166,9 +166,10 @@ bool before(const MediaType& left, const MediaType& right) {
 }  // namespace
 
 const std::vector<MediaType>& media_types() {
-    static const std::vector<MediaType> sorted = [] {
-        std::vector<MediaType> types(std::begin(kTypes), std::end(kTypes));
-        std::sort(types.begin(), types.end(), before);
+    // Never destroyed: a scan may still ask while the process ends.
+    static const auto& sorted = *[] {
+        auto* types = new std::vector<MediaType>(std::begin(kTypes), std::end(kTypes));
+        std::sort(types->begin(), types->end(), before);
         return types;
     }();
     return sorted;

@@ -143,9 +143,6 @@ ScanService& ScanService::instance() {
 }
 
 ScanService::ScanService() {
-    // Made before the handler is registered, this table is still there when the handler waits for the
-    // threads.
-    media_types();
     std::atexit([] { instance().stop_all(); });
 }
 

@@ -1,7 +1,10 @@
 #include "platform/media-content/host/scanner/scan_service.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cstdlib>
+#include <functional>
 #include <future>
 #include <optional>
 
@@ -295,6 +298,37 @@ TEST_F(ScanServiceTest, ScansOfTheSameFilesAtTheSameTimeAgree) {
     }
     EXPECT_EQ(media_count(), 201);
     EXPECT_EQ(number("SELECT count(DISTINCT folder || '/' || name) FROM media"), 201);
+}
+
+/// What the process does last, when all static objects of the program have gone.
+std::function<void()>* g_last_act = nullptr;
+
+__attribute__((constructor(101))) void do_at_last() {
+    std::atexit([] {
+        if (g_last_act != nullptr) {
+            (*g_last_act)();
+        }
+    });
+}
+
+using ScanServiceDeathTest = ScanServiceTest;
+
+TEST_F(ScanServiceDeathTest, AScanStillWritesWhileTheProcessEnds) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    ASSERT_EQ(scan(), 0);
+    std::function<void()> scan_again = [this] {
+        put("b.jpg");
+        const int error = scan();
+        std::filesystem::remove_all(root());
+        _exit(error == 0 ? 0 : 2);
+    };
+
+    EXPECT_EXIT(
+        {
+            g_last_act = &scan_again;
+            std::exit(1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
