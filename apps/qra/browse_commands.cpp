@@ -51,7 +51,11 @@ void print_json_tiles(ListRequest& request, const TileRange& range, UnreadTiles&
 /// What is listed, for a person.
 std::string heading(const CommandLine& line, const ListRequest& request) {
     if (line.list.source == kServerSource) {
-        return printable_text(line.path + ", folder " + line.list.folder_id) + "  " + summary(request);
+        const bool in_folder = line.list.folder_id != "/";
+        const int groups = line.list.mask == kGroupHeaders ? request.tile_count() : 0;
+        return printable_text(line.path + (in_folder ? ", folder " + line.list.folder_id : "")) + "  " +
+               (groups == 0 ? summary(request)
+                            : std::to_string(groups) + (groups == 1 ? " group" : " groups"));
     }
     if (line.list.source == kPlaylistSource) {
         return printable_text(line.path + ", playlist " + line.list.playlist) + "  " + summary(request);

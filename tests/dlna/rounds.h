@@ -1,7 +1,6 @@
 #ifndef QRA_TESTS_DLNA_ROUNDS_H
 #define QRA_TESTS_DLNA_ROUNDS_H
 
-#include <dirent.h>
 #include <glib.h>
 #include <gmock/gmock.h>
 
@@ -11,6 +10,7 @@
 
 #include "tests/dlna/home_network.h"
 #include "tests/dlna/media_server.h"
+#include "tests/fakes/process_resources.h"
 
 /// Which actions the server holds back, and so the phase that a round is in when it ends.
 inline const std::vector<std::vector<std::string>> kPhases = {
@@ -20,32 +20,6 @@ inline const std::vector<std::vector<std::string>> kPhases = {
     {"GET.silent", "POST.hold", "GetSearchCapabilities.hold"},
     {"Browse.cut", "Search.cut", "GET.cut", "POST.cut"},
 };
-
-inline int entries_of(const char* directory) {
-    int count = 0;
-    DIR* open = opendir(directory);
-    while (readdir(open) != nullptr) {
-        ++count;
-    }
-    closedir(open);
-    return count;
-}
-
-/// What a process must not have more and more of.
-struct Resources {
-    int descriptors = entries_of("/proc/self/fd");
-    int threads = entries_of("/proc/self/task");
-};
-
-/// Whether the process comes down to that again: GLib closes some things on threads of its own.
-inline bool settles_at(const Resources& before) {
-    // Threads of GLib's pool come and go as they please, up to its size.
-    constexpr int kPool = 12;
-    return comes_true([&] {
-        const Resources now;
-        return now.descriptors <= before.descriptors && now.threads <= before.threads + kPool;
-    });
-}
 
 struct RoundsTest : HomeNetworkTest {
     void start() {
@@ -145,15 +119,13 @@ struct RoundsTest : HomeNetworkTest {
         cancel_rounds(0, cancels);
         leave_rounds(0, leaves);
         disconnect();
-        const Resources before;
+        const ProcessResources before;
         connect();
         ASSERT_EQ(wait_for(), provider);
         cancel_rounds(cancels, cancels);
         leave_rounds(leaves, leaves);
         disconnect();
-        EXPECT_TRUE(settles_at(before))
-            << "descriptors: " << Resources().descriptors << ", at first " << before.descriptors
-            << "; threads: " << Resources().threads << ", at first " << before.threads;
+        EXPECT_TRUE(settles_at(before)) << ProcessResources() << "; at first " << before;
         connect();
         ASSERT_EQ(wait_for(), provider);
         expect_a_working_service();

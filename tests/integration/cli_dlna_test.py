@@ -117,6 +117,9 @@ class ViewsTest(DlnaTest):
             self.assertTrue(groups, sort)
             self.assertEqual({tile["MEDIA_TYPE"] for tile in groups}, {9}, sort)
             self.assertEqual(sum(tile["GROUP_ITEM_COUNT"] for tile in groups), 12, sort)
+            shown = self.qra("list", "--source", "SOURCE_DLNA", "--path", "Attic", "--content", "CONTENT-MUSIC",
+                             "--sort", "CATEGORY-" + sort).stdout
+            self.assertIn(f"Attic  {len(groups)} groups", shown)
         for content, kind, sorts in (("MUSIC", 5, ("TRACK",)), ("IMAGE", 2, ("TITLE", "DATE")),
                                      ("VIDEO", 3, ("TITLE", "DATE"))):
             for sort in sorts:

@@ -102,6 +102,10 @@ std::string_view mime_type_of(const nbl_item_s& item) {
 }
 
 std::string extension_of(const nbl_item_s& item) {
+    // The content of a folder, where it has any, is a playlist of what is in it: the folder is not that file.
+    if (item.type() == NBL_ITEM_TYPE_FOLDER) {
+        return {};
+    }
     const std::string_view file_name = item.text(property::kFileName);
     std::string suffix = suffix_of(file_name.empty() ? item.text("res") : file_name);
     if (!suffix.empty() && find_media_type("a." + suffix) != nullptr) {

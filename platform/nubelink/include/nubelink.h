@@ -504,8 +504,8 @@ int nbl_item_get_live_content(const char* name, const char* mimetype, const char
 int nbl_item_get_title(nbl_item_t item, char** text);
 /** The id at the server. */
 int nbl_item_get_content_id(nbl_item_t item, char** text);
-/** The extension that fits the content, in lower case and without the dot: of its address, or for its type.
- */
+/** The extension that fits the content, in lower case and without the dot: of its address, or for its type. A
+ * folder has none. */
 int nbl_item_get_extension(nbl_item_t item, char** text);
 /** Where the content is fetched: the best of the addresses that the server gives, the original if it says so.
  */

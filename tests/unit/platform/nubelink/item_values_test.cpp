@@ -62,6 +62,11 @@ TEST(ItemValues, ExtensionIsThatOfTheAddressOrFitsTheType) {
     EXPECT_EQ(extension("", ""), "");
 }
 
+TEST(ItemValues, AFolderHasNoExtensionWhateverItsPlaylistIs) {
+    const ItemPtr folder = item_with({{"res", "http://a/folder/didl_s_playlist.xml"}}, NBL_ITEM_TYPE_FOLDER);
+    EXPECT_EQ(extension_of(*folder), "");
+}
+
 TEST(ItemValues, ArtistIsWhoeverIsNamedFirst) {
     EXPECT_EQ(artist_of(*item_with({{"dc:creator", "C"}, {"upnp:artist", "A"}})), "A");
     EXPECT_EQ(artist_of(*item_with({{"dc:creator", "C"}, {"upnp:author", "U"}})), "C");
