@@ -1,6 +1,7 @@
 // What a copy job costs beside its floor: for one large file a plain loop with the same blocks and the same
 // flushes, for many small ones, whose rows go into the media database, a loop that makes, writes, flushes and
-// closes files of the same size and reads none. And how long a stop takes within the large file.
+// closes files of the same size and reads none. And how long a stop takes in the middle of the large file,
+// beside the time that it takes to remove as much of it.
 //
 // Each pair runs in turn, in directories of its own, as a directory that others were removed from is slower.
 // The medians count. Beside the time stands the processor time of one file, which a busy disk does not
@@ -32,7 +33,6 @@ namespace {
 constexpr size_t kBlock = 65536;
 constexpr int kBlocksPerFlush = 16;
 constexpr size_t kSmallFile = 4096;
-constexpr int kPairs = 7;
 
 [[noreturn]] void give_up(const std::string& what) {
     std::fprintf(stderr, "bench: %s\n", what.c_str());
@@ -116,12 +116,14 @@ private:
     std::string drive_;
 };
 
-void copy_plainly(const fs::path& from, const fs::path& to) {
+void copy_plainly(const fs::path& from, const fs::path& to, size_t most = SIZE_MAX) {
     std::vector<char> buffer(kBlock);
     const int source = open(from.c_str(), O_RDONLY | O_CLOEXEC);
     const int dest = open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     int blocks = 0;
-    for (ssize_t size = 0; (size = read(source, buffer.data(), kBlock)) > 0;) {
+    size_t done = 0;
+    for (ssize_t size = 0; done < most && (size = read(source, buffer.data(), kBlock)) > 0;) {
+        done += static_cast<size_t>(size);
         if (write(dest, buffer.data(), static_cast<size_t>(size)) != size) {
             give_up("cannot write " + to.string());
         }
@@ -169,8 +171,8 @@ Cost copy_job(const Drive& drive, const std::string& folder, int files) {
     return cost;
 }
 
-/// How long it takes to stop a copy at the end of the `mebibyte`th of its file.
-double stop_of_job(const Drive& drive, const std::string& folder, unsigned long long mebibyte) {
+/// How long it takes to stop a copy at the end of the `mebibytes`th of its file.
+double stop_of_job(const Drive& drive, const std::string& folder, size_t mebibytes) {
     BatchList list(drive.path("source"));
     open_selection(list);
     const std::string copy = drive.target(folder + "/PHOTO/0.jpg");
@@ -179,7 +181,7 @@ double stop_of_job(const Drive& drive, const std::string& folder, unsigned long 
     }
     struct stat status {};
     while (stat(copy.c_str(), &status) != 0 ||
-           static_cast<unsigned long long>(status.st_size) >> 20 < mebibyte) {
+           static_cast<unsigned long long>(status.st_size) >> 20 < mebibytes) {
         usleep(100);
     }
     const Cost cost = cost_of([&] { list.stop(); });
@@ -225,31 +227,44 @@ void compare(const Drive& drive, const std::string& what, int files, int pairs, 
         median(job_processor));
 }
 
-void compare_large(const std::string& directory, int mebibytes) {
+double removal(const Drive& drive, const std::string& folder, size_t size) {
+    const fs::path part = drive.target(folder + "/0.jpg");
+    copy_plainly(drive.target("source/0.jpg"), part, size);
+    return cost_of([&] { unlink(part.c_str()); }).time;
+}
+
+void compare_stops(const Drive& drive, size_t mebibytes, int pairs) {
+    std::vector<double> removals;
+    std::vector<double> stops;
+    for (int pair = 0; pair < pairs; ++pair) {
+        const std::string number = std::to_string(pair);
+        removals.push_back(removal(drive, drive.fresh("removed" + number), mebibytes << 20));
+        stops.push_back(stop_of_job(drive, drive.fresh("stopped" + number), mebibytes));
+    }
+    std::printf("%-24s floor %8.1f ms job %8.1f ms  at most %.1f ms  (medians of %d pairs; load %.1f)\n",
+                ("stop after " + std::to_string(mebibytes) + " MiB").c_str(), median(removals) * 1e3,
+                median(stops) * 1e3, *std::max_element(stops.begin(), stops.end()) * 1e3, pairs, load());
+}
+
+void compare_large(const std::string& directory, int mebibytes, int pairs) {
     Drive drive(directory);
     drive.write("0.jpg", static_cast<size_t>(mebibytes) << 20);
     drive.scan();
-    compare(drive, std::to_string(mebibytes) + " MiB in one file", 1, kPairs,
+    compare(drive, std::to_string(mebibytes) + " MiB in one file", 1, pairs,
             [](const Drive& on, const std::string& folder) {
                 copy_plainly(on.target("source/0.jpg"), on.target(folder + "/0.jpg"));
             });
-    std::vector<double> stops;
-    for (int i = 0; i < kPairs; ++i) {
-        stops.push_back(stop_of_job(drive, drive.fresh("stopped" + std::to_string(i)),
-                                    static_cast<unsigned>(mebibytes) / 2));
-    }
-    std::printf("%-24s %.1f ms, at most %.1f ms  (%d stops; load %.1f)\n", "stop within it",
-                median(stops) * 1e3, *std::max_element(stops.begin(), stops.end()) * 1e3, kPairs, load());
+    compare_stops(drive, static_cast<size_t>(mebibytes) / 2, pairs);
 }
 
-void compare_small(const std::string& directory, int files) {
+void compare_small(const std::string& directory, int files, int pairs) {
     Drive drive(directory);
     for (int i = 0; i < files; ++i) {
         drive.write(std::to_string(i) + ".jpg", kSmallFile);
     }
     drive.scan();
     compare(
-        drive, std::to_string(files) + " small files", files, kPairs,
+        drive, std::to_string(files) + " small files", files, pairs,
         [files, content = std::vector<char>(kSmallFile, 'x')](const Drive& on, const std::string& folder) {
             for (int i = 0; i < files; ++i) {
                 write_plainly(content, on.target(folder + "/" + std::to_string(i) + ".jpg"));
@@ -260,17 +275,18 @@ void compare_small(const std::string& directory, int files) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2 || argc > 4) {
-        give_up("usage: copy_bench DIRECTORY [MIB_OF_THE_LARGE_FILE [SMALL_FILES]]");
+    if (argc < 2 || argc > 5) {
+        give_up("usage: copy_bench DIRECTORY [MIB_OF_THE_LARGE_FILE [SMALL_FILES [PAIRS]]]");
     }
     setenv("QRA_LOG", "off", 1);
     const int mebibytes = argc > 2 ? std::atoi(argv[2]) : 1024;
     const int small_files = argc > 3 ? std::atoi(argv[3]) : 10000;
+    const int pairs = argc > 4 ? std::max(std::atoi(argv[4]), 1) : 7;
     if (mebibytes > 0) {
-        compare_large(argv[1], mebibytes);
+        compare_large(argv[1], mebibytes, pairs);
     }
     if (small_files > 0) {
-        compare_small(argv[1], small_files);
+        compare_small(argv[1], small_files, pairs);
     }
     return 0;
 }
