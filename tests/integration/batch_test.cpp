@@ -47,7 +47,7 @@ protected:
         fs::create_directories(target("backup"));
     }
     ~BatchJobs() override {
-        EXPECT_EQ(descriptors_below(target("")), 0);
+        EXPECT_EQ(descriptors_below((root_ / "stick").string()), 0);
         media_content_disconnect();
         fs::remove_all(root_);
     }
