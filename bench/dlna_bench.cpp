@@ -1,12 +1,14 @@
 // A folder of 10,000 items of a media server, and what an item costs. dlna_bench [READYMEDIA_PICTURE]
 //
-// Prints its ratios itself: each run of ours stands beside one of the floor. To be run in a network of its
+// Prints its ratios itself: each run of ours stands beside one of each floor. To be run in a network of its
 // own: tests/dlna/own-network dlna_bench. With a small picture, ReadyMedia is asked too, for a directory of
-// 10,000 links to it. The floor of a folder is a plain client that fetches the same pages of 200, one after
-// the other, on a kept connection, and looks at nothing in them; the floor of an item is libxml2's reader
-// going through the same text.
+// 10,000 copies of it. A folder has two floors, both of a plain client that fetches the same pages of 200,
+// one after the other: one that looks at nothing in them, and one that reads titles and types. The floor of
+// an item is libxml2's reader going through the same text.
+//
+// Of a folder it prints the time on the clock, and in brackets the processor time of the client and of the
+// server, which say what a busy machine hides.
 
-#include <libsoup/soup.h>
 #include <libxml/xmlreader.h>
 #include <malloc.h>
 #include <signal.h>
@@ -26,8 +28,8 @@
 #include <thread>
 #include <vector>
 
+#include "bench/dlna_plain_client.h"
 #include "platform/nubelink/host/didl_reader.h"
-#include "platform/nubelink/host/glib_ptr.h"
 #include "platform/nubelink/host/soap_call.h"
 #include "platform/nubelink/host/text.h"
 #include "tests/dlna/home_network.h"
@@ -37,31 +39,36 @@
 namespace {
 
 constexpr int kItems = 10'000;
-constexpr int kPage = 200;
+constexpr int kPage = PlainClient::kPage;
 constexpr int kInFlight = 5;
 constexpr int kRuns = 5;
-constexpr char kService[] = "urn:schemas-upnp-org:service:ContentDirectory:1";
 
 [[noreturn]] void give_up(const char* what) {
     std::fprintf(stderr, "dlna_bench: %s\n", what);
     std::exit(1);
 }
 
-double seconds_of(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+double seconds_on(clockid_t clock) {
+    timespec time = {};
+    clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-double cpu_seconds_of(const std::function<void()>& work) {
-    const auto now = [] {
-        timespec time = {};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-    };
-    const double start = now();
+double seconds_of(const std::function<void()>& work, clockid_t clock) {
+    const double start = seconds_on(clock);
     work();
-    return now() - start;
+    return seconds_on(clock) - start;
+}
+
+/// Processor time that a process has taken so far.
+double processor_seconds(int pid) {
+    clockid_t clock = 0;
+    return clock_getcpuclockid(pid, &clock) == 0 ? seconds_on(clock) : 0;
+}
+
+double median_of(std::vector<double> times) {
+    std::nth_element(times.begin(), times.begin() + kRuns / 2, times.end());
+    return times[kRuns / 2];
 }
 
 /// Runs both in turn and prints the medians and the ratio.
@@ -72,52 +79,10 @@ void compare(const char* name, const std::function<double()>& ours, const std::f
         floor_times.push_back(floor());
         our_times.push_back(ours());
     }
-    const auto median = [](std::vector<double> times) {
-        std::nth_element(times.begin(), times.begin() + kRuns / 2, times.end());
-        return times[kRuns / 2];
-    };
-    const double our_time = median(our_times);
-    const double floor_time = median(floor_times);
+    const double our_time = median_of(our_times);
+    const double floor_time = median_of(floor_times);
     std::printf("%-28s %9.2f ms  floor %9.2f ms  ratio %.2f\n", name, our_time * 1e3, floor_time * 1e3,
                 our_time / floor_time);
-}
-
-std::string page_question(const std::string& folder, int start) {
-    nbl::SoapQuestion question;
-    question.action = "Browse";
-    question.arguments = {{"ObjectID", folder},
-                          {"BrowseFlag", "BrowseDirectChildren"},
-                          {"Filter", "*"},
-                          {"StartingIndex", std::to_string(start)},
-                          {"RequestedCount", std::to_string(kPage)},
-                          {"SortCriteria", ""}};
-    return nbl::soap_question_body(kService, question);
-}
-
-/// The plain client. Returns the bytes of the page.
-std::string fetch_page(SoupSession* session, const std::string& url, const std::string& folder, int start) {
-    const nbl::ObjectPtr<SoupMessage> message(soup_message_new("POST", url.c_str()));
-    const std::string body = page_question(folder, start);
-    const nbl::BytesPtr bytes(g_bytes_new(body.data(), body.size()));
-    soup_message_set_request_body_from_bytes(message.get(), "text/xml; charset=\"utf-8\"", bytes.get());
-    soup_message_headers_append(soup_message_get_request_headers(message.get()), "SOAPAction",
-                                (std::string("\"") + kService + "#Browse\"").c_str());
-    const nbl::BytesPtr answer(soup_session_send_and_read(session, message.get(), nullptr, nullptr));
-    if (answer == nullptr || soup_message_get_status(message.get()) != 200) {
-        give_up("the server does not answer the plain client");
-    }
-    size_t size = 0;
-    const void* data = g_bytes_get_data(answer.get(), &size);
-    return {static_cast<const char*>(data), size};
-}
-
-double plain_client(const std::string& url, const std::string& folder) {
-    const nbl::ObjectPtr<SoupSession> session(soup_session_new());
-    return seconds_of([&] {
-        for (int start = 0; start < kItems; start += kPage) {
-            fetch_page(session.get(), url, folder, start);
-        }
-    });
 }
 
 /// Reads the folder as the agent does: five pages under way, each item's title and type looked at.
@@ -130,17 +95,15 @@ public:
     FolderRead(const FolderRead&) = delete;
     FolderRead& operator=(const FolderRead&) = delete;
 
-    double run() {
-        return seconds_of([&] {
-            signal_.change([&] {
-                for (int i = 0; i < kInFlight; ++i) {
-                    ask();
-                }
-            });
-            if (!signal_.wait([&] { return open_ == 0; }) || items_ != kItems) {
-                give_up("not all items came");
+    void run() {
+        signal_.change([&] {
+            for (int i = 0; i < kInFlight; ++i) {
+                ask();
             }
         });
+        if (!signal_.wait([&] { return open_ == 0; }) || items_ != kItems) {
+            give_up("not all items came");
+        }
     }
 
 private:
@@ -222,45 +185,102 @@ private:
     nbl_devicefinder_t finder_ = nullptr;
 };
 
-void compare_folder(const char* name, nbl_provider_t provider, const std::string& url,
-                    const std::string& folder) {
-    compare(
-        name, [&] { return FolderRead(provider, folder).run(); }, [&] { return plain_client(url, folder); });
+/// A folder of a server, for one comparison.
+struct Folder {
+    nbl_provider_t provider;
+    std::string url;  ///< of the server's control
+    std::string id;
+    int server_pid;
+};
+
+/// What reading a folder took, several times.
+class Costs {
+public:
+    void measure(const Folder& folder, const std::function<void()>& work) {
+        const double server = processor_seconds(folder.server_pid);
+        const double client = seconds_on(CLOCK_PROCESS_CPUTIME_ID);
+        elapsed_.push_back(seconds_of(work, CLOCK_MONOTONIC));
+        client_.push_back(seconds_on(CLOCK_PROCESS_CPUTIME_ID) - client);
+        server_.push_back(processor_seconds(folder.server_pid) - server);
+    }
+    double elapsed() const { return median_of(elapsed_); }
+    void print(const char* name) const {
+        std::printf("  %-10s %9.2f ms (%7.2f + %7.2f)", name, elapsed() * 1e3, median_of(client_) * 1e3,
+                    median_of(server_) * 1e3);
+    }
+
+private:
+    std::vector<double> elapsed_;
+    std::vector<double> client_;
+    std::vector<double> server_;
+};
+
+void run_plain_client(const Folder& folder, bool reads) {
+    const PlainClient client(folder.url, folder.id);
+    for (int start = 0; start < kItems; start += kPage) {
+        const std::string page = client.fetch(start);
+        if (reads && PlainClient::read(page) != kPage) {
+            give_up("the plain client does not see all items");
+        }
+    }
+}
+
+/// Runs all three in turn and prints their medians and the ratios.
+void compare_folder(const char* name, const Folder& folder) {
+    Costs ours;
+    Costs fetching;
+    Costs reading;
+    for (int i = 0; i < kRuns; ++i) {
+        fetching.measure(folder, [&] { run_plain_client(folder, false); });
+        ours.measure(folder, [&] { FolderRead(folder.provider, folder.id).run(); });
+        reading.measure(folder, [&] { run_plain_client(folder, true); });
+    }
+    std::printf("%s\n", name);
+    ours.print("ours");
+    std::printf("\n");
+    fetching.print("fetched");
+    std::printf("  ratio %.2f\n", ours.elapsed() / fetching.elapsed());
+    reading.print("read");
+    std::printf("  ratio %.2f\n", ours.elapsed() / reading.elapsed());
 }
 
 /// The DIDL documents of the folder, as the server writes them.
-std::vector<std::string> fetch_documents(const std::string& url, const std::string& folder) {
-    const nbl::ObjectPtr<SoupSession> session(soup_session_new());
+std::vector<std::string> fetch_documents(const Folder& folder) {
+    const PlainClient client(folder.url, folder.id);
     std::vector<std::string> documents;
     for (int start = 0; start < kItems; start += kPage) {
         nbl::HttpAnswer http;
         http.status = 200;
-        http.body = fetch_page(session.get(), url, folder, start);
+        http.body = client.fetch(start);
         documents.emplace_back(nbl::read_soap_answer(std::move(http)).find("Result"));
     }
     return documents;
 }
 
 double bare_parse(const std::vector<std::string>& documents) {
-    return cpu_seconds_of([&] {
-        for (const std::string& document : documents) {
-            xmlTextReaderPtr reader =
-                xmlReaderForMemory(document.data(), static_cast<int>(document.size()), nullptr, nullptr, 0);
-            while (xmlTextReaderRead(reader) == 1) {
+    return seconds_of(
+        [&] {
+            for (const std::string& document : documents) {
+                xmlTextReaderPtr reader = xmlReaderForMemory(
+                    document.data(), static_cast<int>(document.size()), nullptr, nullptr, 0);
+                while (xmlTextReaderRead(reader) == 1) {
+                }
+                xmlFreeTextReader(reader);
             }
-            xmlFreeTextReader(reader);
-        }
-    });
+        },
+        CLOCK_THREAD_CPUTIME_ID);
 }
 
 double record_parse(const std::vector<std::string>& documents, std::vector<nbl::ItemPtr>& items) {
-    return cpu_seconds_of([&] {
-        for (const std::string& document : documents) {
-            std::string text = document;
-            nbl::mend_xml(text);
-            nbl::read_didl(text, nullptr, items);
-        }
-    });
+    return seconds_of(
+        [&] {
+            for (const std::string& document : documents) {
+                std::string text = document;
+                nbl::mend_xml(text);
+                nbl::read_didl(text, nullptr, items);
+            }
+        },
+        CLOCK_THREAD_CPUTIME_ID);
 }
 
 void compare_records(const char* name, const std::vector<std::string>& documents) {
@@ -310,6 +330,8 @@ public:
     ReadyMedia(const ReadyMedia&) = delete;
     ReadyMedia& operator=(const ReadyMedia&) = delete;
 
+    int pid() const { return pid_; }
+
 private:
     const TempDir directory_;
     int pid_ = -1;
@@ -340,23 +362,23 @@ int main(int argc, char** argv) {
     {
         MediaServer server;
         server.generate("folder", "music", kItems);
-        nbl_provider_t provider = client.first_server();
-        const std::string url = server.url("/ContentDirectory/control");
-        compare_records("records, test server", fetch_documents(url, "folder"));
-        compare_folder("test server", provider, url, "folder");
+        const Folder folder = {client.first_server(), server.url("/ContentDirectory/control"), "folder",
+                               server.pid()};
+        compare_records("records, test server", fetch_documents(folder));
+        compare_folder("test server", folder);
         server.set("Browse.delay", "20");
-        compare_folder("test server, 20 ms delay", provider, url, "folder");
+        compare_folder("test server, 20 ms delay", folder);
         server.clear();
         server.tell({"goodbye"});
         client.wait_until_gone();
     }
     if (argc > 1) {
         const ReadyMedia server(argv[1]);
-        nbl_provider_t provider = client.first_server();
-        wait_for_scan(provider, "64");
-        const std::string url = "http://127.0.0.1:8200/ctl/ContentDir";
-        compare_folder("ReadyMedia", provider, url, "64");
-        compare_records("records, ReadyMedia", fetch_documents(url, "64"));
+        const Folder folder = {client.first_server(), "http://127.0.0.1:8200/ctl/ContentDir", "64",
+                               server.pid()};
+        wait_for_scan(folder.provider, folder.id);
+        compare_folder("ReadyMedia", folder);
+        compare_records("records, ReadyMedia", fetch_documents(folder));
     }
     return 0;
 }

@@ -33,6 +33,7 @@ public:
     void generate(const std::string& id, const std::string& kind, int count);
 
     int port() const { return port_; }
+    int pid() const { return pid_; }
     std::string url(const std::string& path) const;
     /// Ends it as a power cut does.
     void kill();
