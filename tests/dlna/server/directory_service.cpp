@@ -91,6 +91,12 @@ DirectoryService::DirectoryService(GUPnPRootDevice* device, const Identity& iden
 }
 
 DirectoryService::~DirectoryService() {
+    if (turn_ != 0) {
+        g_source_remove(turn_);
+    }
+    for (GUPnPServiceAction* action : due_) {
+        answer(action);
+    }
     release();
     g_object_unref(service_);
 }
@@ -153,16 +159,35 @@ void DirectoryService::on_action(GUPnPService*, GUPnPServiceAction* action, void
     }
     const auto delay = service->faults_.take_number(name, "delay");
     if (!delay) {
-        service->answer(action);
+        service->answer_in_turn(action);
         return;
     }
     using Later = std::pair<DirectoryService*, GUPnPServiceAction*>;
     const auto run = [](void* data) -> gboolean {
         const std::unique_ptr<Later> later(static_cast<Later*>(data));
-        later->first->answer(later->second);
+        later->first->answer_in_turn(later->second);
         return G_SOURCE_REMOVE;
     };
     g_timeout_add(static_cast<guint>(*delay), run, std::make_unique<Later>(service, action).release());
+}
+
+void DirectoryService::answer_in_turn(GUPnPServiceAction* action) {
+    due_.push_back(action);
+    if (turn_ == 0) {
+        turn_ = g_idle_add(on_turn, this);
+    }
+}
+
+gboolean DirectoryService::on_turn(void* self) {
+    auto* service = static_cast<DirectoryService*>(self);
+    GUPnPServiceAction* action = service->due_.front();
+    service->due_.pop_front();
+    service->answer(action);
+    if (!service->due_.empty()) {
+        return G_SOURCE_CONTINUE;
+    }
+    service->turn_ = 0;
+    return G_SOURCE_REMOVE;
 }
 
 void DirectoryService::answer(GUPnPServiceAction* action) {
@@ -240,15 +265,12 @@ void DirectoryService::browse(GUPnPServiceAction* action) {
         gupnp_service_action_return_error(action, kNoSuchObject, "no such object");
         return;
     }
-    std::vector<const Object*> objects;
     if (text_argument(action, "BrowseFlag") == "BrowseMetadata") {
-        objects.push_back(object);
-    } else {
-        for (const std::string& child : object->children) {
-            objects.push_back(content_.find(child));
-        }
+        answer_page(action, 1, [object](std::size_t) { return object; });
+        return;
     }
-    answer_page(action, objects);
+    answer_page(action, object->children.size(),
+                [&](std::size_t i) { return content_.find(object->children[i]); });
 }
 
 void DirectoryService::search(GUPnPServiceAction* action) {
@@ -265,7 +287,7 @@ void DirectoryService::search(GUPnPServiceAction* action) {
             objects.push_back(object);
         }
     }
-    answer_page(action, objects);
+    answer_page(action, objects.size(), [&](std::size_t i) { return objects[i]; });
 }
 
 unsigned DirectoryService::total_of(const std::string& name, std::size_t true_total) {
@@ -318,7 +340,7 @@ std::string DirectoryService::page_didl(const std::string& name, const std::vect
     return faults_.is_on(name, "broken-didl") ? text + "<item id=\"broken\"" : text + kDidlEnd;
 }
 
-void DirectoryService::answer_page(GUPnPServiceAction* action, const std::vector<const Object*>& objects) {
+void DirectoryService::answer_page(GUPnPServiceAction* action, std::size_t total, const ObjectAt& object_at) {
     const std::string name = gupnp_service_action_get_name(action);
     std::size_t start = number_argument(action, "StartingIndex");
     std::size_t count = number_argument(action, "RequestedCount");
@@ -326,22 +348,22 @@ void DirectoryService::answer_page(GUPnPServiceAction* action, const std::vector
         start = 0;
     }
     if (count == 0) {
-        count = objects.size();
+        count = total;
     }
     if (const auto most = faults_.take_number(name, "at-most")) {
         count = std::min(count, static_cast<std::size_t>(*most));
     }
     const auto none_from = faults_.take_number(name, "none-from");
     const auto invented = faults_.take_number(name, "invent");
-    const std::size_t all = invented ? static_cast<std::size_t>(*invented) : objects.size();
-    if (objects.empty() || start >= all || (none_from && start >= static_cast<std::size_t>(*none_from))) {
+    const std::size_t all = invented ? static_cast<std::size_t>(*invented) : total;
+    if (total == 0 || start >= all || (none_from && start >= static_cast<std::size_t>(*none_from))) {
         count = 0;
         start = 0;
     }
     count = std::min(count, all - start);
     std::vector<const Object*> page;
     for (std::size_t i = start; i < start + count; ++i) {
-        page.push_back(objects[i % objects.size()]);
+        page.push_back(object_at(i % total));
     }
     gupnp_service_action_set(action, "Result", G_TYPE_STRING, page_didl(name, page, start).c_str(),
                              "NumberReturned", G_TYPE_UINT, static_cast<guint>(count), "TotalMatches",

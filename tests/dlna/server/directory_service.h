@@ -3,6 +3,8 @@
 
 #include <libgupnp/gupnp.h>
 
+#include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -44,19 +46,21 @@ public:
     void tell_change();
 
 private:
-    struct Page {
-        unsigned start = 0;
-        unsigned count = 0;
-    };
+    /// The object at a place of what is asked for.
+    using ObjectAt = std::function<const Object*(std::size_t)>;
 
     static void on_action(GUPnPService* service, GUPnPServiceAction* action, void* self);
     static void on_query(GUPnPService* service, const char* variable, GValue* value, void* self);
     static void on_control(SoupServer* server, SoupServerMessage* message, const char* path,
                            GHashTable* query, void* self);
+    /// One after the other, each when nothing else is to be done: the last answer is on its way before the
+    /// next is worked out.
+    void answer_in_turn(GUPnPServiceAction* action);
+    static gboolean on_turn(void* self);
     void answer(GUPnPServiceAction* action);
     void browse(GUPnPServiceAction* action);
     void search(GUPnPServiceAction* action);
-    void answer_page(GUPnPServiceAction* action, const std::vector<const Object*>& objects);
+    void answer_page(GUPnPServiceAction* action, std::size_t total, const ObjectAt& object_at);
     std::string page_didl(const std::string& name, const std::vector<const Object*>& objects,
                           std::size_t start);
     unsigned total_of(const std::string& name, std::size_t true_total);
@@ -74,6 +78,8 @@ private:
     Journal& journal_;
     GUPnPService* service_;
     std::vector<GUPnPServiceAction*> held_;
+    std::deque<GUPnPServiceAction*> due_;
+    unsigned turn_ = 0;  ///< the source of turns, while there are actions due
     int imported_ = 0;
 };
 
