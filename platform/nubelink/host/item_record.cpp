@@ -3,6 +3,7 @@
 #include <array>
 #include <cstring>
 #include <new>
+#include <unordered_map>
 
 #include "platform/nubelink/host/item_memory.h"
 #include "platform/nubelink/host/text.h"
@@ -69,13 +70,19 @@ constexpr std::array<std::string_view, 48> kNames = {
     property::kSubtitle,
 };
 
+static_assert(kNames.size() < 64, "a builder has a bit for each code");
+
 uint8_t code_of(std::string_view name) {
-    for (size_t i = 0; i < kNames.size(); ++i) {
-        if (kNames[i] == name) {
-            return static_cast<uint8_t>(i + 1);
+    // Never destroyed: the service's thread may run to the process's very end.
+    static const auto& codes = *[] {
+        auto* by_name = new std::unordered_map<std::string_view, uint8_t>;
+        for (const std::string_view known : kNames) {
+            by_name->emplace(known, static_cast<uint8_t>(by_name->size() + 1));
         }
-    }
-    return kNamed;
+        return by_name;
+    }();
+    const auto found = codes.find(name);
+    return found == codes.end() ? kNamed : found->second;
 }
 
 size_t number_at(std::string_view bytes, size_t at) {
@@ -122,10 +129,15 @@ std::optional<std::string_view> find_property(std::string_view bytes, std::strin
 void ItemBuilder::add(std::string_view name, std::string_view value) {
     value = value.substr(0, cut_at_character(value, kLargestValue));
     const size_t size = 2 + name.size() + kLengthBytes + value.size();
-    if (value.empty() || name.size() > kLongestName || bytes_.size() + size > kLargestRecord || has(name)) {
+    if (value.empty() || name.size() > kLongestName || bytes_.size() + size > kLargestRecord) {
         return;
     }
     const uint8_t code = code_of(name);
+    const uint64_t bit = uint64_t{1} << code;
+    if (code != kNamed ? (coded_ & bit) != 0 : has(name)) {
+        return;
+    }
+    coded_ |= bit;
     bytes_ += static_cast<char>(code);
     if (code == kNamed) {
         bytes_ += static_cast<char>(name.size());

@@ -92,13 +92,17 @@ public:
     bool has(std::string_view name) const;
     std::string_view text(std::string_view name) const;
     size_t size() const { return bytes_.size(); }
-    void clear() { bytes_.clear(); }
+    void clear() {
+        bytes_.clear();
+        coded_ = 0;
+    }
 
     /// The record; the builder is empty then.
     ItemPtr build(int type, nbl_provider_t provider = nullptr);
 
 private:
     std::string bytes_;
+    uint64_t coded_ = 0;  ///< the names with a code that are there, a bit for each code
 };
 
 /// The same item with another number of children.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 
 #include "platform/nubelink/host/glib_ptr.h"
 
@@ -28,10 +29,24 @@ size_t character_length(std::string_view text) {
     return static_cast<size_t>(g_unichar_to_utf8(character, nullptr));
 }
 
+/// Whether eight bytes are ASCII without control characters: most of most texts.
+bool are_plain(const char* bytes) {
+    constexpr uint64_t kEach = 0x0101010101010101;
+    uint64_t word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    // Taking 0x20 off each byte borrows from a higher one only where this one gets its highest bit.
+    return ((word | (word - 0x20 * kEach)) & 0x80 * kEach) == 0;
+}
+
 /// Where the first character stands that XML may not hold; the text's size if there is none.
 size_t find_broken(std::string_view text) {
+    constexpr size_t kAtOnce = sizeof(uint64_t);
     size_t at = 0;
     while (at < text.size()) {
+        if (text.size() - at >= kAtOnce && are_plain(text.data() + at)) {
+            at += kAtOnce;
+            continue;
+        }
         const size_t length = character_length(text.substr(at));
         if (length == 0) {
             break;
@@ -41,14 +56,30 @@ size_t find_broken(std::string_view text) {
     return at;
 }
 
-/// Whether a text that begins with an ampersand begins with a reference to a character or a known entity.
-bool is_reference(std::string_view text) {
-    text.remove_prefix(1);
-    for (const std::string_view known : {"lt;", "gt;", "amp;", "quot;", "apos;"}) {
-        if (starts_with(text, known)) {
-            return true;
+/// What XML gives a meaning, and how a text names it.
+struct Entity {
+    std::string_view reference;
+    char character;
+};
+constexpr Entity kEntities[] = {
+    {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}, {"&amp;", '&'}, {"&apos;", '\''}};
+
+/// The entity whose reference a text begins with; null for none.
+const Entity* entity_at(std::string_view text) {
+    for (const Entity& entity : kEntities) {
+        if (starts_with(text, entity.reference)) {
+            return &entity;
         }
     }
+    return nullptr;
+}
+
+/// Whether a text that begins with an ampersand begins with a reference to a character or a known entity.
+bool is_reference(std::string_view text) {
+    if (entity_at(text) != nullptr) {
+        return true;
+    }
+    text.remove_prefix(1);
     constexpr size_t kLongestNumber = 9;
     return starts_with(text, "#") && text.substr(0, kLongestNumber).find(';') != std::string_view::npos;
 }
@@ -126,6 +157,19 @@ void mend_xml(std::string& document) {
     if (document.find("<![CDATA[") == std::string::npos) {
         escape_loose_ampersands(document);
     }
+}
+
+std::string without_entities(std::string_view text) {
+    std::string plain;
+    plain.reserve(text.size());
+    for (size_t at = text.find('&'); at != std::string_view::npos; at = text.find('&')) {
+        const Entity* entity = entity_at(text.substr(at));
+        plain += text.substr(0, at);
+        plain += entity != nullptr ? entity->character : '&';
+        text.remove_prefix(at + (entity != nullptr ? entity->reference.size() : 1));
+    }
+    plain += text;
+    return plain;
 }
 
 size_t cut_at_character(std::string_view text, size_t most) {

@@ -23,6 +23,9 @@ void mend_xml(std::string& document);
 /// declaration names another encoding, and mended.
 void mend_document(std::string& document);
 
+/// The text with XML's own five entities in place of the references to them. Other references stay.
+std::string without_entities(std::string_view text);
+
 /// The length of the longest beginning of `text` that has at most `most` bytes and ends between two
 /// characters.
 size_t cut_at_character(std::string_view text, size_t most);

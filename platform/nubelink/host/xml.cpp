@@ -5,8 +5,10 @@
 #include <libxml/parserInternals.h>
 
 #include <climits>
+#include <string>
 
 #include "platform/nubelink/host/glib_ptr.h"
+#include "platform/nubelink/host/text.h"
 #include "xml_turn.h"
 
 namespace nbl {
@@ -28,10 +30,66 @@ std::string_view view_of(const xmlChar* text) {
     return text ? reinterpret_cast<const char*>(text) : std::string_view();
 }
 
+/// Stands for the long text in the document that the parser gets. U+FDD0, which is for use within programs.
+constexpr std::string_view kStandIn = "\xEF\xB7\x90";
+
+/// The one long text of an envelope: a whole document, escaped. The parser would hand it over in as many
+/// pieces as it has references, and take longer for that than for all the rest.
+struct LongText {
+    size_t begin = 0;
+    size_t size = 0;  ///< 0: there is none
+};
+
+/// Where the tag ends that the text begins with.
+size_t end_of_tag(std::string_view text) {
+    char quote = '\0';
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (quote != '\0') {
+            quote = c == quote ? '\0' : quote;
+        } else if (c == '"' || c == '\'') {
+            quote = c;
+        } else if (c == '>') {
+            return i + 1;
+        }
+    }
+    return std::string_view::npos;
+}
+
+/// Whether the text means the same to the parser as to without_entities().
+bool is_simple(std::string_view text) {
+    return text.find('\r') == std::string_view::npos && text.find("&#") == std::string_view::npos;
+}
+
+/// Finds it among the first tags of a document in which there are only tags and texts.
+LongText find_long_text(std::string_view document) {
+    constexpr size_t kLong = 2000;
+    constexpr int kTags = 64;
+    size_t tag = document.find('<');
+    for (int i = 0; i < kTags && tag != std::string_view::npos; ++i) {
+        const size_t next = document.find('<', tag + 1);
+        const std::string_view piece = document.substr(tag, next - tag);
+        if (starts_with(piece, "<!") || (starts_with(piece, "<?") && tag != 0)) {
+            break;
+        }
+        const size_t end =
+            piece.size() > kLong && next != std::string_view::npos ? end_of_tag(piece) : piece.size();
+        if (end < piece.size() && piece.size() - end > kLong) {
+            const bool fits = is_simple(piece.substr(end)) &&
+                              document.find(kStandIn) == std::string_view::npos &&
+                              document.find("<!", next) == std::string_view::npos;
+            return fits ? LongText{tag + end, piece.size() - end} : LongText();
+        }
+        tag = next;
+    }
+    return {};
+}
+
 /// The parser's callbacks come to this.
 struct Reading {
     XmlHandler& handler;
-    xmlParserCtxtPtr context;
+    std::string_view long_text;  ///< as the document has it; what stands for it is in what the parser gets
+    xmlParserCtxtPtr context = nullptr;
     int depth = 0;
     bool refused = false;
 
@@ -65,8 +123,14 @@ void on_close(void* self, const xmlChar*, const xmlChar*, const xmlChar*) {
 
 void on_text(void* self, const xmlChar* text, int length) {
     auto* reading = static_cast<Reading*>(self);
-    if (!reading->refused && length > 0) {
-        reading->handler.text({reinterpret_cast<const char*>(text), static_cast<size_t>(length)});
+    if (reading->refused || length <= 0) {
+        return;
+    }
+    const std::string_view piece(reinterpret_cast<const char*>(text), static_cast<size_t>(length));
+    if (!reading->long_text.empty() && piece == kStandIn) {
+        reading->handler.text(without_entities(reading->long_text));
+    } else {
+        reading->handler.text(piece);
     }
 }
 
@@ -88,6 +152,20 @@ xmlSAXHandler make_calls() {
     calls.internalSubset = on_document_type;
     calls.serror = on_error;
     return calls;
+}
+
+bool parse(std::string_view document, Reading reading) {
+    const XmlTurn turn;
+    const ParserPtr context(xmlCreateMemoryParserCtxt(document.data(), static_cast<int>(document.size())));
+    if (context == nullptr) {
+        return false;
+    }
+    reading.context = context.get();
+    *context->sax = make_calls();
+    context->userData = &reading;
+    xmlCtxtUseOptions(context.get(), XML_PARSE_NONET | XML_PARSE_RECOVER | XML_PARSE_IGNORE_ENC);
+    xmlParseDocument(context.get());
+    return context->wellFormed != 0 && !reading.refused;
 }
 
 }  // namespace
@@ -115,18 +193,14 @@ bool read_xml(std::string_view document, XmlHandler& handler) {
     if (document.empty() || document.size() > INT_MAX) {
         return false;
     }
-    const XmlTurn turn;
-    const ParserPtr context(xmlCreateMemoryParserCtxt(document.data(), static_cast<int>(document.size())));
-    if (context == nullptr) {
-        return false;
+    const LongText text = find_long_text(document);
+    if (text.size == 0) {
+        return parse(document, {handler, {}});
     }
-    xmlSAXHandler calls = make_calls();
-    Reading reading{handler, context.get()};
-    *context->sax = calls;
-    context->userData = &reading;
-    xmlCtxtUseOptions(context.get(), XML_PARSE_NONET | XML_PARSE_RECOVER | XML_PARSE_IGNORE_ENC);
-    xmlParseDocument(context.get());
-    return context->wellFormed != 0 && !reading.refused;
+    std::string shortened(document.substr(0, text.begin));
+    shortened += kStandIn;
+    shortened += document.substr(text.begin + text.size);
+    return parse(shortened, {handler, document.substr(text.begin, text.size)});
 }
 
 }  // namespace nbl

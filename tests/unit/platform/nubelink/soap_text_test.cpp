@@ -51,6 +51,52 @@ TEST(SoapAnswer, GivesItsArgumentsUnescaped) {
     EXPECT_EQ(answer.find("TotalMatches"), "");
 }
 
+/// An answer whose result is that text.
+std::string answer_with(const std::string& result) {
+    return enveloped("<u:BrowseResponse xmlns:u=\"x\"><Result>" + result +
+                     "</Result><NumberReturned>1</NumberReturned></u:BrowseResponse>");
+}
+
+TEST(SoapAnswer, GivesALongResultAsItGivesAShortOne) {
+    const std::pair<const char*, const char*> kTexts[] = {
+        {"&lt;a b=&quot;c&quot;&gt;&apos;&amp;amp;&amp;#39;", "<a b=\"c\">'&amp;&#39;"},
+        {"Tom & Jerry ?a=1&b=2&", "Tom & Jerry ?a=1&b=2&"},
+        {"&nbsp;&ltx&amp", "&nbsp;&ltx&amp"},
+        {"&#228;&#xE4;&#0;", "\xC3\xA4\xC3\xA4"},
+        {"B\xE4r \x01 \xF0\x9F\x8E\xB5", "B\xEF\xBF\xBDr \xEF\xBF\xBD \xF0\x9F\x8E\xB5"},
+        {"a\r\nb\rc", "a\nb\nc"},
+        {"a > b ]] \"quoted\" 'text'", "a > b ]] \"quoted\" 'text'"},
+        {"\xEF\xB7\x90", "\xEF\xB7\x90"},
+        {"<![CDATA[<a>&amp;]]>", "<a>&amp;"},
+        {"a<!-- no -->b<?no?>c", "abc"},
+    };
+    const std::string padding(10'000, 'x');
+    for (const auto& [escaped, plain] : kTexts) {
+        EXPECT_EQ(answer_to(answer_with(escaped)).find("Result"), plain) << escaped;
+        const SoapAnswer answer = answer_to(answer_with(padding + escaped + padding));
+        EXPECT_TRUE(answer.find("Result") == padding + plain + padding) << escaped;
+        EXPECT_EQ(answer.find("NumberReturned"), "1") << escaped;
+    }
+}
+
+TEST(SoapAnswer, GivesALongResultWhateverStandsAroundIt) {
+    const std::string text(10'000, 'x');
+    const std::string wanted = text + "<>" + text;
+    const std::string escaped = text + "&lt;&gt;" + text;
+    const auto result_of = [](const std::string& body) {
+        return std::string(answer_to(body).find("Result"));
+    };
+    EXPECT_TRUE(result_of(enveloped("<r><Result a='>' b=\"'>\">" + escaped + "</Result></r>")) == wanted);
+    EXPECT_TRUE(result_of(enveloped("<r><Other>" + escaped + "</Other><Result>" + escaped +
+                                    "</Result></r>")) == wanted);
+    EXPECT_EQ(result_of(enveloped("<r><!--<Result>" + escaped + "</Result>--><Result>y</Result></r>")), "y");
+    EXPECT_EQ(result_of(enveloped("<r><![CDATA[<Result>" + escaped + "</Result>]]><Result>y</Result></r>")),
+              "y");
+    EXPECT_TRUE(result_of("<e><b><r><Result>" + escaped) == wanted) << "cut off";
+    EXPECT_TRUE(result_of("<e><b><r><Result>" + escaped + "</Result>") == wanted) << "cut off behind it";
+    EXPECT_EQ(result_of("<e><b><r><Result a='" + escaped + "</Result>"), "") << "no tag's end";
+}
+
 TEST(SoapAnswer, TellsTheServersErrorsApart) {
     EXPECT_EQ(answer_to(fault("401"), 500).error, NBL_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(answer_to(fault("501"), 500).error, NBL_ERROR_NOT_SUPPORTED);

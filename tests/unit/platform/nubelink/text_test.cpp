@@ -37,6 +37,26 @@ TEST(RepairText, ReplacesCharactersThatXmlForbids) {
     EXPECT_EQ(repaired("\xEF\xBF\xBF"), "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
+TEST(RepairText, FindsAByteWhereverItStands) {
+    const std::string good = "0123456789 abcdefghijklm";
+    for (size_t at = 0; at < good.size(); ++at) {
+        for (const char bad : {'\x00', '\x1F', '\x80', '\xFF'}) {
+            std::string text = good;
+            text[at] = bad;
+            const std::string expected = good.substr(0, at) + "\xEF\xBF\xBD" + good.substr(at + 1);
+            EXPECT_EQ(repaired(text), expected) << at << " " << static_cast<int>(bad);
+        }
+        for (const char fine : {'\t', ' ', '\x7F'}) {
+            std::string text = good;
+            text[at] = fine;
+            EXPECT_EQ(repaired(text), text) << at;
+        }
+        std::string text = good;
+        text.insert(at, "\xE2\x82\xAC");
+        EXPECT_EQ(repaired(text), text) << at;
+    }
+}
+
 TEST(MendDocument, ConvertsWhatDeclaresAnotherEncoding) {
     EXPECT_EQ(mended("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>K\xE4se</a>"),
               "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>Käse</a>");
@@ -52,6 +72,12 @@ TEST(MendDocument, EscapesAmpersandsThatBeginNoReference) {
     EXPECT_EQ(mended("&lt;&gt;&quot;&apos;&#228;&#xE4;"), "&lt;&gt;&quot;&apos;&#228;&#xE4;");
     EXPECT_EQ(mended("&nbsp;&#12345678901;"), "&amp;nbsp;&amp;#12345678901;");
     EXPECT_EQ(mended("<![CDATA[a & b]]>"), "<![CDATA[a & b]]>");
+}
+
+TEST(WithoutEntities, GivesWhatXmlsOwnReferencesStandFor) {
+    EXPECT_EQ(without_entities("&lt;a b=&quot;c&quot;&gt;&apos;&amp;amp;"), "<a b=\"c\">'&amp;");
+    EXPECT_EQ(without_entities("&nbsp;&#228;& &"), "&nbsp;&#228;& &");
+    EXPECT_EQ(without_entities(""), "");
 }
 
 TEST(CutAtCharacter, CutsBetweenTwoCharacters) {
