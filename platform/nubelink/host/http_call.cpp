@@ -24,7 +24,8 @@ int error_of(const GError* error) {
 HttpClient::HttpClient()
     : session_(soup_session_new_with_options("max-conns", kConnections, "max-conns-per-host",
                                              kConnectionsToOneServer, "proxy-resolver", nullptr, "user-agent",
-                                             "nubelink/1.0 UPnP/1.0 DLNADOC/1.50", nullptr)) {}
+                                             "nubelink/1.0 UPnP/1.0 DLNADOC/1.50", nullptr)),
+      turns_(std::make_unique<Turns>()) {}
 
 HttpClient::~HttpClient() {
     soup_session_abort(session_.get());
@@ -45,9 +46,10 @@ bool is_web_address(const char* uri) {
 /// ended.
 class HttpCall::State : public std::enable_shared_from_this<State> {
 public:
-    State(size_t largest_answer, Done done) : largest_answer_(largest_answer), done_(std::move(done)) {}
+    State(const HttpClient& client, size_t largest_answer, Done done)
+        : client_(client), largest_answer_(largest_answer), done_(std::move(done)) {}
 
-    void start(const HttpClient& client, const HttpQuestion& question);
+    void start(const HttpQuestion& question);
     void cancel();
 
 private:
@@ -61,8 +63,10 @@ private:
     static void on_piece(GObject* stream, GAsyncResult* result, void* state);
     void read_on();
     void take_piece(GBytes* piece);
+    void finish_in_turn();
     void finish(int error);
 
+    const HttpClient& client_;  ///< not to be used once the call has ended
     const size_t largest_answer_;
     Done done_;
     HttpAnswer answer_;
@@ -72,7 +76,7 @@ private:
     const ObjectPtr<GCancellable> cancel_{g_cancellable_new()};
 };
 
-void HttpCall::State::start(const HttpClient& client, const HttpQuestion& question) {
+void HttpCall::State::start(const HttpQuestion& question) {
     if (!is_web_address(question.uri.c_str())) {
         deadline_.start(0, [this] { finish(NBL_ERROR_NETWORK); });
         return;
@@ -90,7 +94,7 @@ void HttpCall::State::start(const HttpClient& client, const HttpQuestion& questi
     soup_message_add_flags(message_.get(),
                            question.repeatable ? SOUP_MESSAGE_IDEMPOTENT : SOUP_MESSAGE_NEW_CONNECTION);
     deadline_.start(question.milliseconds, [this] { finish(NBL_ERROR_TIMEOUT); });
-    soup_session_send_async(client.session(), message_.get(), G_PRIORITY_DEFAULT, cancel_.get(),
+    soup_session_send_async(client_.session(), message_.get(), G_PRIORITY_DEFAULT, cancel_.get(),
                             &State::on_sent, hand_out());
 }
 
@@ -134,7 +138,7 @@ void HttpCall::State::take_piece(GBytes* piece) {
     size_t size = 0;
     const void* bytes = g_bytes_get_data(piece, &size);
     if (size == 0) {
-        finish(NBL_ERROR_NONE);
+        finish_in_turn();
         return;
     }
     if (answer_.body.size() + size > largest_answer_) {
@@ -143,6 +147,15 @@ void HttpCall::State::take_piece(GBytes* piece) {
     }
     answer_.body.append(static_cast<const char*>(bytes), size);
     read_on();
+}
+
+void HttpCall::State::finish_in_turn() {
+    deadline_.stop();
+    client_.turns().add([state = shared_from_this()] {
+        if (state->done_ != nullptr) {
+            state->finish(NBL_ERROR_NONE);
+        }
+    });
 }
 
 void HttpCall::State::finish(int error) {
@@ -161,8 +174,8 @@ void HttpCall::State::cancel() {
 }
 
 HttpCall::HttpCall(const HttpClient& client, HttpQuestion question, Done done)
-    : state_(std::make_shared<State>(question.largest_answer, std::move(done))) {
-    state_->start(client, question);
+    : state_(std::make_shared<State>(client, question.largest_answer, std::move(done))) {
+    state_->start(question);
 }
 
 HttpCall::~HttpCall() {

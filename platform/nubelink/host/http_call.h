@@ -14,9 +14,16 @@ typedef struct _SoupSession SoupSession;
 
 namespace nbl {
 
+class Turns;
+
 /**
- * The connections to all servers, eight to one server at most. Lives on the worker's thread, and works on the
- * main context that was the thread's default when it was made. No proxy, no cookies, no credentials.
+ * The connections to all servers, eight to one server at most. Lives on the worker's thread longer than all
+ * its calls, and works on the main context that was the thread's default when it was made. No proxy, no
+ * cookies, no credentials.
+ *
+ * Answers that are complete are handed over in turn. What a client asks for on account of the first is on its
+ * way to the server then before the next is looked at: where several came together, the server has not to wait
+ * for the last.
  */
 class HttpClient {
 public:
@@ -27,9 +34,12 @@ public:
 
     /// For calls that need more than HttpCall: transfers.
     SoupSession* session() const { return session_.get(); }
+    /// For complete answers.
+    Turns& turns() const { return *turns_; }
 
 private:
-    ObjectPtr<SoupSession> session_;
+    const ObjectPtr<SoupSession> session_;
+    const std::unique_ptr<Turns> turns_;
 };
 
 /// Whether a text is an address that the service may speak to: http or https, with a host.

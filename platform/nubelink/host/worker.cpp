@@ -89,4 +89,42 @@ int Timer::on_due(void* self) {
     return G_SOURCE_REMOVE;
 }
 
+void Turns::add(std::function<void()> turn) {
+    turns_.push_back(std::move(turn));
+    if (turns_.size() == 1) {
+        arm();
+    }
+}
+
+int Turns::on_turn(void* self) {
+    auto* turns = static_cast<Turns*>(self);
+    const std::function<void()> turn = std::move(turns->turns_.front());
+    turns->turns_.pop_front();
+    turns->disarm();
+    if (!turns->turns_.empty()) {
+        turns->arm();
+    }
+    turn();
+    return G_SOURCE_REMOVE;
+}
+
+void Turns::arm() {
+    on_idle_.reset(g_idle_source_new());
+    g_source_set_priority(on_idle_.get(), G_PRIORITY_HIGH_IDLE);
+    on_wait_.reset(g_timeout_source_new(longest_wait_));
+    for (GSource* source : {on_idle_.get(), on_wait_.get()}) {
+        g_source_set_callback(source, &Turns::on_turn, this, nullptr);
+        g_source_attach(source, g_main_context_get_thread_default());
+    }
+}
+
+void Turns::disarm() {
+    for (SourcePtr* source : {&on_idle_, &on_wait_}) {
+        if (*source != nullptr) {
+            g_source_destroy(source->get());
+            source->reset();
+        }
+    }
+}
+
 }  // namespace nbl

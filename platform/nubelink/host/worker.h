@@ -71,6 +71,35 @@ private:
     SourcePtr source_;
 };
 
+/**
+ * Calls functions later, in their order, one at a time: each when nothing else is ready on the loop of the
+ * thread that adds it, or when it has been first for the longest wait. What a call brings about on the
+ * network is on its way then before the next call. Lives on one thread; its end drops what has not been
+ * called.
+ */
+class Turns {
+public:
+    static constexpr unsigned kLongestWait = 50;
+    explicit Turns(unsigned longest_wait = kLongestWait) : longest_wait_(longest_wait) {}
+    ~Turns() { disarm(); }
+    Turns(const Turns&) = delete;
+    Turns& operator=(const Turns&) = delete;
+
+    /// `turn` may add others, and end the turns.
+    void add(std::function<void()> turn);
+
+private:
+    static int on_turn(void* self);
+    void arm();
+    void disarm();
+
+    const unsigned longest_wait_;
+    std::deque<std::function<void()>> turns_;
+    // While there are turns, whichever comes first.
+    SourcePtr on_idle_;
+    SourcePtr on_wait_;
+};
+
 }  // namespace nbl
 
 #endif

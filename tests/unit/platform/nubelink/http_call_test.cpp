@@ -123,6 +123,30 @@ TEST_F(HttpCallTest, MayBeEndedByItsOwnAnswer) {
     EXPECT_TRUE(run_until([&] { return came; }));
 }
 
+TEST_F(HttpCallTest, IsNotAnsweredWhereAnotherAnswerHasEndedIt) {
+    std::vector<SoupServerMessage*> waiting;
+    server.on("/a", [&](SoupServerMessage* message) {
+        waiting.push_back(message);
+        fall_silent(message, 200, "");
+    });
+    int answered = 0;
+    std::vector<std::unique_ptr<HttpCall>> calls;
+    for (int i = 0; i < 5; ++i) {
+        calls.push_back(std::make_unique<HttpCall>(client, question("/a"), [&](const HttpAnswer&) {
+            ++answered;
+            calls.clear();
+        }));
+    }
+    EXPECT_TRUE(run_until([&] { return waiting.size() == 5; }));
+    for (SoupServerMessage* message : waiting) {
+        end_silence(message, "x");
+    }
+    EXPECT_TRUE(run_until([&] { return calls.empty(); }));
+    server.on("/b", [](SoupServerMessage* message) { reply(message, 200, "y"); });
+    EXPECT_EQ(ask(question("/b")).body, "y");
+    EXPECT_EQ(answered, 1);
+}
+
 TEST_F(HttpCallTest, HasFiveQuestionsToOneServerUnderWayAtATime) {
     std::vector<SoupServerMessage*> waiting;
     server.on("/a", [&](SoupServerMessage* message) {
