@@ -196,32 +196,31 @@ bool CQRADLNASource::GetItemCountByType(qra_media_type_e eType, int* pnCount) {
     return true;
 }
 
-// The cursor may have been moved past either end, where there is no item.
-bool CQRADLNASource::m_GetCurrentItem(_stDLNAMediaItem& item) {
+// Null past either end, where the cursor may have been moved.
+CQRADLNASource::Item CQRADLNASource::m_GetCurrentItem() {
     const Lock lock(m_ListMutex);
     const int nIndex = m_nIndex;
     if (!m_bIndexSet || m_pWrapper == nullptr || nIndex < 0 ||
         static_cast<size_t>(nIndex) >= m_vItems.size()) {
         QRA_LOG_WARNING(QRA_TAG_DLNA, "DLNA-SOURCE: Index set failed");
-        return false;
+        return nullptr;
     }
-    item = m_vItems[static_cast<size_t>(nIndex)];
-    return true;
+    return m_vItems[static_cast<size_t>(nIndex)];
 }
 
 bool CQRADLNASource::GetValue(std::string strField, char** ppValue) {
-    _stDLNAMediaItem item;
-    return m_GetCurrentItem(item) && m_pWrapper->GetValue(item, strField, ppValue);
+    const Item item = m_GetCurrentItem();
+    return item != nullptr && m_pWrapper->GetValue(*item, strField, ppValue);
 }
 
 bool CQRADLNASource::GetValue(std::string strField, int* pValue) {
-    _stDLNAMediaItem item;
-    return m_GetCurrentItem(item) && m_pWrapper->GetValue(item, strField, pValue);
+    const Item item = m_GetCurrentItem();
+    return item != nullptr && m_pWrapper->GetValue(*item, strField, pValue);
 }
 
 bool CQRADLNASource::GetValue(std::string strField, unsigned long long* pValue) {
-    _stDLNAMediaItem item;
-    return m_GetCurrentItem(item) && m_pWrapper->GetValue(item, strField, pValue);
+    const Item item = m_GetCurrentItem();
+    return item != nullptr && m_pWrapper->GetValue(*item, strField, pValue);
 }
 
 bool CQRADLNASource::GetValue(std::string, long*) {
@@ -240,8 +239,8 @@ bool CQRADLNASource::SetValue(const char* szField, int nValue) {
     if (szField == nullptr || std::strncmp(szField, PLAYED_POSITION, sizeof(PLAYED_POSITION)) != 0) {
         return false;
     }
-    _stDLNAMediaItem item;
-    return m_GetCurrentItem(item) && m_pWrapper->QraNblSetBookmark(item.pItem, nValue);
+    const Item item = m_GetCurrentItem();
+    return item != nullptr && m_pWrapper->QraNblSetBookmark(item->pItem, nValue);
 }
 
 bool CQRADLNASource::SetValue(const char*, long) {
@@ -259,7 +258,7 @@ bool CQRADLNASource::GetDBIndex(char* szId, int* pnIndex) {
     }
     const Lock lock(m_ListMutex);
     const auto it = std::find_if(m_vItems.begin(), m_vItems.end(),
-                                 [&](const _stDLNAMediaItem& item) { return item.strContentId == szId; });
+                                 [&](const Item& item) { return item->strContentId == szId; });
     if (it == m_vItems.end()) {
         QRA_LOG_WARNING(QRA_TAG_DLNA, "DLNA-SOURCE: Invalid media[%s].", szId);
         return false;
@@ -274,8 +273,8 @@ CQRAGroupInfo* CQRADLNASource::GetGroupInfo() {
 }
 
 bool CQRADLNASource::GetBookMark(bool (*cb)(void*, int), void* pUserData) {
-    _stDLNAMediaItem item;
-    return m_GetCurrentItem(item) && m_pWrapper->QraNblGetBookmark(item.strContentId.c_str(), cb, pUserData);
+    const Item item = m_GetCurrentItem();
+    return item != nullptr && m_pWrapper->QraNblGetBookmark(item->strContentId.c_str(), cb, pUserData);
 }
 
 int CQRADLNASource::GetFolderCount() {

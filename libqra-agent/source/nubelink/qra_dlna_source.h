@@ -121,6 +121,8 @@ private:
         int nItemType;
         std::vector<std::string> extensions;
     };
+    /// Shared by the list and its group. A record never changes once it is there.
+    using Item = std::shared_ptr<const _stDLNAMediaItem>;
     enum EStep { STEP_END, STEP_SEARCH, STEP_CHILD_ITEMS, STEP_ALL_ITEMS, STEP_GROUPS, STEP_FEATURES };
 
     static void cb_GetMediaItem(const _stDLNAMediaItem& item, void* pThis);
@@ -159,7 +161,8 @@ private:
     void m_UpdateVector() QRA_EXCLUDES(m_ListMutex);
     void m_ResetGroupInfo() QRA_EXCLUDES(m_ListMutex);
     void m_RebuildGroupInfo() QRA_REQUIRES(m_ListMutex);
-    bool m_GetCurrentItem(_stDLNAMediaItem& item) QRA_EXCLUDES(m_ListMutex);
+    static bool m_ComesAfter(const Item& left, const Item& right);
+    Item m_GetCurrentItem() QRA_EXCLUDES(m_ListMutex);
 
     CQRAGMutex m_CallbackMutex;
     CQRAGMutex m_RegistrationMutex;
@@ -194,13 +197,13 @@ private:
 
     CQRAGMutex m_ListMutex;
     CQRAGroupInfo m_GroupInfo QRA_GUARDED_BY(m_ListMutex);
-    std::map<std::string, std::vector<_stDLNAMediaItem>> m_mapGroupItems QRA_GUARDED_BY(m_ListMutex);
-    std::vector<_stDLNAMediaItem> m_vHeap QRA_GUARDED_BY(m_ListMutex);
+    std::map<std::string, std::vector<Item>> m_mapGroupItems QRA_GUARDED_BY(m_ListMutex);
+    std::vector<Item> m_vHeap QRA_GUARDED_BY(m_ListMutex);
     int m_nImageCount QRA_GUARDED_BY(m_ListMutex) = 0;
     int m_nVideoCount QRA_GUARDED_BY(m_ListMutex) = 0;
     int m_nMusicCount QRA_GUARDED_BY(m_ListMutex) = 0;
     int m_nFolderCount QRA_GUARDED_BY(m_ListMutex) = 0;
-    std::vector<_stDLNAMediaItem> m_vItems QRA_GUARDED_BY(m_ListMutex);
+    std::vector<Item> m_vItems QRA_GUARDED_BY(m_ListMutex);
     std::vector<_stDLNAGroupItem> m_vGroups QRA_GUARDED_BY(m_ListMutex);
 
     // The cursor: the client's, but for the thread's clearing m_bIndexSet when a request begins.

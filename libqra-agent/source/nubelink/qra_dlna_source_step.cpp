@@ -55,13 +55,6 @@ bool is_one_of(const std::string& strText, const char* const (&texts)[size]) {
                        [&](const char* szText) { return strText == szText; });
 }
 
-/// The order of a heap whose top is the list's next item: folders first, each kind by its place.
-bool comes_after(const _stDLNAMediaItem& left, const _stDLNAMediaItem& right) {
-    const bool bLeftFolder = left.eType == NBL_ITEM_TYPE_FOLDER;
-    const bool bRightFolder = right.eType == NBL_ITEM_TYPE_FOLDER;
-    return bLeftFolder != bRightFolder ? bRightFolder : left.nIndex > right.nIndex;
-}
-
 /// Stands for a group without an item: the folder of the request. Never destroyed: a source may still be at
 /// work while the process ends.
 const _stDLNAGroupItem& NO_GROUP = *new _stDLNAGroupItem;
@@ -421,15 +414,23 @@ void CQRADLNASource::m_AddItem(const _stDLNAMediaItem& item) {
         QRA_LOG_INFO(QRA_TAG_DLNA, "DLNA-SOURCE:filter extension [%s]", item.strExtension.c_str());
         return;
     }
+    auto kept = std::make_shared<_stDLNAMediaItem>(item);
+    kept->eType = nType;
     const Lock lock(m_ListMutex);
-    m_vHeap.push_back(item);
-    m_vHeap.back().eType = nType;
-    std::push_heap(m_vHeap.begin(), m_vHeap.end(), comes_after);
+    m_vHeap.push_back(std::move(kept));
+    std::push_heap(m_vHeap.begin(), m_vHeap.end(), m_ComesAfter);
     if (int* const pCounter = m_GetCounter(nType)) {
         ++*pCounter;
     } else {
         QRA_LOG_WARNING(QRA_TAG_DLNA, "DLNA-SOURCE: unexpected type.");
     }
+}
+
+// The order of a heap whose top is the list's next item: folders first, each kind by its place.
+bool CQRADLNASource::m_ComesAfter(const Item& left, const Item& right) {
+    const bool bLeftFolder = left->eType == NBL_ITEM_TYPE_FOLDER;
+    const bool bRightFolder = right->eType == NBL_ITEM_TYPE_FOLDER;
+    return bLeftFolder != bRightFolder ? bRightFolder : left->nIndex > right->nIndex;
 }
 
 // What has no extension is kept as what the server says that it is.
@@ -463,10 +464,10 @@ int* CQRADLNASource::m_GetCounter(int nItemType) {
 
 void CQRADLNASource::m_UpdateVector() {
     const Lock lock(m_ListMutex);
-    std::vector<_stDLNAMediaItem> items;
+    std::vector<Item> items;
     items.reserve(m_vHeap.size());
     while (!m_vHeap.empty()) {
-        std::pop_heap(m_vHeap.begin(), m_vHeap.end(), comes_after);
+        std::pop_heap(m_vHeap.begin(), m_vHeap.end(), m_ComesAfter);
         items.push_back(std::move(m_vHeap.back()));
         m_vHeap.pop_back();
     }
