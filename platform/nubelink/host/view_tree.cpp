@@ -116,7 +116,8 @@ struct ViewRules {
 };
 
 const std::vector<ViewRules>& rules() {
-    static const std::vector<ViewRules> all = {
+    // Never destroyed, like the views: the service's thread is at work until the process is gone.
+    static const auto& all = *new std::vector<ViewRules>{
         {{"I_N", "Pictures by title", NBL_ITEM_TYPE_IMAGE}, {first_letter, two_letters}, true, no_key},
         {{"I_L", "Pictures by date", NBL_ITEM_TYPE_IMAGE}, {year, month}, false, date_key},
         {{"V_T", "Videos by title", NBL_ITEM_TYPE_VIDEO}, {first_letter, two_letters}, true, no_key},
@@ -225,10 +226,10 @@ private:
 }  // namespace
 
 const std::vector<View>& all_views() {
-    static const std::vector<View> views = [] {
-        std::vector<View> all;
+    static const auto& views = *[] {
+        auto* all = new std::vector<View>;
         for (const ViewRules& one : rules()) {
-            all.push_back(one.view);
+            all->push_back(one.view);
         }
         return all;
     }();

@@ -4,12 +4,12 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <functional>
 #include <future>
 #include <thread>
 
 #include "libqra-agent/agent/src/qra_handler_mgr.h"
 #include "libqra-agent/agent/src/qra_selectlist.h"
+#include "tests/fakes/last_act.h"
 #include "tests/unit/agent/agent_fixture.h"
 
 namespace {
@@ -374,16 +374,6 @@ TEST_F(LocalAgent, AFailedRepeatWaitsForTheCallbackBeforeTheAgentGoes) {
 }
 
 // The end of the process.
-
-/// What the process does last, when all static objects of the program have gone.
-std::function<void()>* g_last_act = nullptr;
-
-__attribute__((constructor(101))) void do_at_last() {
-    std::atexit([] {
-        if (g_last_act != nullptr)
-            (*g_last_act)();
-    });
-}
 
 using LocalAgentDeathTest = LocalAgent;
 

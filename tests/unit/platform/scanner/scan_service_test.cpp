@@ -4,11 +4,11 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <functional>
 #include <future>
 #include <optional>
 
 #include "platform/media-content/host/scanner/scan_lock.h"
+#include "tests/fakes/last_act.h"
 #include "tests/unit/platform/scanner/scanned_drive.h"
 
 namespace media_content {
@@ -298,17 +298,6 @@ TEST_F(ScanServiceTest, ScansOfTheSameFilesAtTheSameTimeAgree) {
     }
     EXPECT_EQ(media_count(), 201);
     EXPECT_EQ(number("SELECT count(DISTINCT folder || '/' || name) FROM media"), 201);
-}
-
-/// What the process does last, when all static objects of the program have gone.
-std::function<void()>* g_last_act = nullptr;
-
-__attribute__((constructor(101))) void do_at_last() {
-    std::atexit([] {
-        if (g_last_act != nullptr) {
-            (*g_last_act)();
-        }
-    });
 }
 
 using ScanServiceDeathTest = ScanServiceTest;
