@@ -1,7 +1,5 @@
 #include "libqra-agent/agent/src/qra_local_agent.h"
 
-#include <unistd.h>
-
 #include <atomic>
 #include <cstdlib>
 #include <future>
@@ -381,7 +379,7 @@ TEST_F(LocalAgentDeathTest, AnAnswerStillReachesTheClientWhileTheProcessEnds) {
     ASSERT_EQ(request(), QRA_ERROR_NONE);
     std::function<void()> answer = [&] {
         source_->complete(QRA_EVENT_LIST_SUCCESS);
-        _exit(answers_.size() == 1 ? 0 : 2);
+        end_at_once(answers_.size() == 1 ? 0 : 2);
     };
 
     EXPECT_EXIT(

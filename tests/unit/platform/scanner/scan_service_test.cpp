@@ -1,7 +1,6 @@
 #include "platform/media-content/host/scanner/scan_service.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <future>
@@ -309,7 +308,7 @@ TEST_F(ScanServiceDeathTest, AScanStillWritesWhileTheProcessEnds) {
         put("b.jpg");
         const int error = scan();
         std::filesystem::remove_all(root());
-        _exit(error == 0 ? 0 : 2);
+        end_at_once(error == 0 ? 0 : 2);
     };
 
     EXPECT_EXIT(
