@@ -6,9 +6,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "apps/qra/command_line.h"
 #include "apps/qra/commands.h"
+#include "apps/qra/item_act.h"
 #include "apps/qra/list_output.h"
 #include "apps/qra/output.h"
 #include "apps/qra/remote_list.h"
@@ -48,6 +50,7 @@ std::string value_text(const Json::Value& value) {
     }
     Json::StreamWriterBuilder builder;
     builder["indentation"] = "";
+    builder["emitUTF8"] = true;
     return Json::writeString(builder, value);
 }
 
@@ -69,6 +72,29 @@ void print_detail(const Json::Value& detail) {
         const std::string value = printable_text(shown_value(name, detail[name]));
         print(label + (value.empty() ? "" : std::string(width + 2 - label.size(), ' ') + value) + "\n");
     }
+}
+
+/// The list of one medium alone.
+std::unique_ptr<RemoteList> list_of_medium(const CommandLine& line, const std::string& what) {
+    ListOptions options;
+    options.source = kCloudSource;
+    options.sort_category.clear();
+    options.mask = kFoldersAndMedia;
+    auto list = std::make_unique<RemoteList>(options, RemoteFolder{line.account.name, line.item_id},
+                                             std::chrono::seconds(line.cloud_timeout));
+    if (!is_medium(*list, line.item_id)) {
+        throw CommandError(ExitStatus::RequestFailed, printable_text(line.item_id) + " is no medium: " +
+                                                          what + " are of media, not of folders");
+    }
+    return list;
+}
+
+void act_on_medium(const CommandLine& line, const std::string& what, Json::Value request) {
+    Completions completions;  // outlives the list's main loop
+    const std::unique_ptr<RemoteList> list = list_of_medium(line, what);
+    request["qra_item_content"] = list->item(0);
+    ItemActs(line.account.name, completions)
+        .perform(std::move(request), std::chrono::seconds(line.cloud_timeout));
 }
 
 }  // namespace
@@ -95,20 +121,25 @@ void run_remote_list(const CommandLine& line) {
 }
 
 void run_detail(const CommandLine& line) {
-    ListOptions options;
-    options.source = kCloudSource;
-    options.sort_category.clear();
-    options.mask = kFoldersAndMedia;
-    RemoteList list(options, {line.account.name, line.item_id}, std::chrono::seconds(line.cloud_timeout));
-    if (!is_medium(list, line.item_id)) {
-        throw CommandError(
-            ExitStatus::RequestFailed,
-            printable_text(line.item_id) + " is no medium: details are of media, not of folders");
-    }
-    const std::string detail = list.detail_of_first();
+    const std::unique_ptr<RemoteList> list = list_of_medium(line, "details");
+    const std::string detail = list->detail_of_first();
     if (line.json) {
         print(detail);
     } else {
         print_detail(read_object(detail));
     }
+}
+
+void run_like(const CommandLine& line) {
+    Json::Value request(Json::objectValue);
+    request["qra_command"] = "qra_setlike";
+    request["qra_like"] = !line.take_like_back;
+    act_on_medium(line, "likes", std::move(request));
+}
+
+void run_comment(const CommandLine& line) {
+    Json::Value request(Json::objectValue);
+    request["qra_command"] = "qra_uploadcomment";
+    request["qra_comment"] = line.comment;
+    act_on_medium(line, "comments", std::move(request));
 }

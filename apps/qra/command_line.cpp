@@ -331,18 +331,31 @@ void add_list_command(CLI::App& app, CommandLine& line) {
     });
 }
 
-void add_detail_command(CLI::App& app, CommandLine& line) {
-    CLI::App* detail = app.add_subcommand("detail", "Show all that a service tells of a medium");
-    detail->add_option("ITEM_ID", line.item_id, "Its ID_QRA, as `qra list --json` tells it")->required();
-    detail->add_option("--plugin", line.account.name, "The account")->required();
-    add_cloud_timeout(*detail, line);
-    detail->add_flag("--json", line.json, "One JSON object");
-    detail->callback([&line] {
+/// What the commands on one medium of an account have in common.
+void add_item_options(CLI::App& command, CommandLine& line, void (*run)(const CommandLine&)) {
+    command.add_option("ITEM_ID", line.item_id, "Its ID_QRA, as `qra list --json` tells it")->required();
+    command.add_option("--plugin", line.account.name, "The account")->required();
+    add_cloud_timeout(command, line);
+    command.callback([&line, run] {
         if (line.item_id.empty()) {
             throw CLI::ValidationError("ITEM_ID", "is empty");
         }
-        line.command = run_detail;
+        line.command = run;
     });
+}
+
+void add_item_commands(CLI::App& app, CommandLine& line) {
+    CLI::App* detail = app.add_subcommand("detail", "Show all that a service tells of a medium");
+    add_item_options(*detail, line, run_detail);
+    detail->add_flag("--json", line.json, "One JSON object");
+
+    CLI::App* like = app.add_subcommand("like", "Like a medium of an account; `qra detail` shows it");
+    add_item_options(*like, line, run_like);
+    like->add_flag("--off", line.take_like_back, "Take the like back");
+
+    CLI::App* comment = app.add_subcommand("comment", "Say something on a medium of an account");
+    add_item_options(*comment, line, run_comment);
+    comment->add_option("TEXT", line.comment, "The comment")->required();
 }
 
 void add_get_command(CLI::App& app, CommandLine& line) {
@@ -634,7 +647,7 @@ std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine&
     add_drive_commands(app, command_line);
     add_device_commands(app, command_line);
     add_list_command(app, command_line);
-    add_detail_command(app, command_line);
+    add_item_commands(app, command_line);
     add_get_command(app, command_line);
     add_package_command(app, command_line);
     add_job_commands(app, command_line);

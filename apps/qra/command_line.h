@@ -81,9 +81,11 @@ struct CommandLine {
     int limit = -1;  ///< negative: all
     int index = 0;
     std::vector<std::string> fields;
-    AccountOptions account;  ///< of list and detail the name alone
-    std::string item_id;     ///< detail
-    int cloud_timeout = 30;  ///< lists of the engine, detail: seconds
+    AccountOptions account;  ///< of list, detail, like and comment the name alone
+    std::string item_id;     ///< detail, like, comment
+    std::string comment;
+    bool take_like_back = false;
+    int cloud_timeout = 30;  ///< lists of the engine, detail, like, comment: seconds
     JobOptions job;
     DeviceOptions devices;
     PlaylistOptions playlist;

@@ -15,6 +15,8 @@ void run_thumbs(const CommandLine& line);
 void run_list(const CommandLine& line);
 void run_remote_list(const CommandLine& line);
 void run_detail(const CommandLine& line);
+void run_like(const CommandLine& line);
+void run_comment(const CommandLine& line);
 void run_get(const CommandLine& line);
 void run_package(const CommandLine& line);
 void run_copy(const CommandLine& line);

@@ -104,6 +104,7 @@ class UsageTest(CloudToolTest):
                                    (["list", "--source", "CloudSource", "--plugin", "a", "--timeout", "0"], "--timeout"),
                                    (["detail", "a.png"], "--plugin"), (["detail", "--plugin", "a"], "ITEM_ID"),
                                    (["detail", "--plugin", "a", ""], "ITEM_ID"),
+                                   (["like", "a.png"], "--plugin"), (["comment", "--plugin", "a", "a.png"], "TEXT"),
                                    (["list", "--source", "CloudSource", "--plugin", "a", "--mask", "4"], "--mask"),
                                    (["list", "--source", "CloudSource", "--plugin", "a", "--no-scan"], "--no-scan")):
             with self.subTest(arguments):
@@ -197,9 +198,33 @@ class DetailTest(CloudToolTest):
         self.assertRegex(text, r"(?m)^MIME_TYPE +image/png$")
         self.assertRegex(text, r"(?m)^THUMBNAIL_PATH$")
 
-    def test_folder_has_no_detail(self):
+    def test_likes_and_comments_show_in_the_detail(self):
+        [item] = self.cloud("Holiday 1")
+        medium = ["--plugin", "cloud", item["ID_QRA"]]
+
+        def detail():
+            return json.loads(self.stdout("detail", *medium, "--json"))
+
+        self.assertEqual((False, []), (detail()["LIKE"], detail()["COMMENTS"]))
+        self.qra("like", *medium)
+        for text in ("schön", "-"):
+            self.qra("comment", *medium, "--", text)
+        self.assertEqual((True, ["schön", "-"]),
+                         (detail()["LIKE"], [comment["TEXT"] for comment in detail()["COMMENTS"]]))
+        self.assertIn("schön", self.stdout("detail", *medium))
+        self.qra("like", *medium, "--off")
+        self.assertFalse(detail()["LIKE"])
+
+    def test_act_that_the_engine_refuses_tells_why(self):
+        [item] = self.cloud("Holiday 1")
+        self.assert_fails(FAILED, "comment is empty", "comment", "--plugin", "cloud", item["ID_QRA"], "")
+
+    def test_folder_has_no_detail_and_takes_no_like(self):
         # Not even one that holds a single medium.
-        self.assert_fails(FAILED, "Holiday 1 is no medium", "detail", "--plugin", "cloud", "Holiday 1")
+        for arguments in (["detail"], ["like"], ["comment", "--", "well"]):
+            with self.subTest(arguments):
+                command, *rest = arguments
+                self.assert_fails(FAILED, "Holiday 1 is no medium", command, "--plugin", "cloud", "Holiday 1", *rest)
 
     def test_item_that_is_not_there_is_told(self):
         self.assert_fails(FAILED, "404", "detail", "--plugin", "cloud", "nothing.png")

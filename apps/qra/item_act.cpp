@@ -1,0 +1,97 @@
+#include "apps/qra/item_act.h"
+
+#include <json/reader.h>
+#include <json/writer.h>
+
+#include <utility>
+
+#include "apps/qra/engine_access.h"
+#include "apps/qra/exit_status.h"
+#include "apps/qra/terminal_text.h"
+
+namespace {
+
+constexpr char kPath[] = "/com/morva/qra/engine";
+constexpr char kRequestKey[] = "qra_act_request_times";
+constexpr int kActDone = 6;
+constexpr int kActFailed = 7;
+
+/// Ends a command with what the bus or the engine said.
+[[noreturn]] void fail(GError* error) {
+    g_dbus_error_strip_remote_error(error);
+    const bool refused = g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_FAILED) != FALSE;
+    const std::string text = printable_text(error->message);
+    g_error_free(error);
+    throw CommandError(refused ? ExitStatus::RequestFailed : ExitStatus::ServiceMissing,
+                       refused ? text : "the content engine does not answer: " + text);
+}
+
+Json::Value read_completion(const std::string& text) {
+    Json::Value value;
+    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    const bool read = reader->parse(text.data(), text.data() + text.size(), &value, nullptr);
+    return read && value.isObject() ? value : Json::Value(Json::objectValue);
+}
+
+}  // namespace
+
+ItemActs::ItemActs(const std::string& account, Completions& completions) : completions_(completions) {
+    GError* error = nullptr;
+    bus_.reset(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, &error));
+    if (!bus_) {
+        fail(error);
+    }
+    const Variant reply = call("connect", g_variant_new("(s)", account.c_str()), "(u)");
+    g_variant_get(reply.get(), "(u)", &id_);
+    subscription_ = g_dbus_connection_signal_subscribe(
+        bus_.get(), kEngineName, kEngineName, "qra_request_normal_complete", kPath, nullptr,
+        G_DBUS_SIGNAL_FLAGS_NONE, on_complete, &completions_, nullptr);
+}
+
+ItemActs::~ItemActs() {
+    g_dbus_connection_signal_unsubscribe(bus_.get(), subscription_);
+    g_dbus_connection_call(bus_.get(), kEngineName, kPath, kEngineName, "disconnect",
+                           g_variant_new("(u)", id_), nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr,
+                           nullptr, nullptr);
+}
+
+void ItemActs::perform(Json::Value request, std::chrono::seconds longest_wait) {
+    const std::unique_ptr<char, decltype(&g_free)> number(g_uuid_string_random(), &g_free);
+    request[kRequestKey] = number.get();
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    call("request_act", g_variant_new("(uss)", id_, "", Json::writeString(builder, request).c_str()), "()");
+    for (;;) {
+        const Json::Value answer = read_completion(completions_.next_within(longest_wait));
+        const bool is_ours = answer[kRequestKey] == number.get();
+        if (is_ours && answer["qra_event_type"] == kActDone) {
+            return;
+        }
+        if (is_ours && answer["qra_event_type"] == kActFailed) {
+            const Json::Value& reason = answer["qra_error_text"];
+            throw CommandError(ExitStatus::RequestFailed, reason.isString()
+                                                              ? printable_text(reason.asString())
+                                                              : "the service gave no reason");
+        }
+    }
+}
+
+void ItemActs::on_complete(GDBusConnection*, const char*, const char*, const char*, const char*,
+                           GVariant* arguments, gpointer completions) {
+    if (g_variant_is_of_type(arguments, G_VARIANT_TYPE("(s)"))) {
+        const char* text = nullptr;
+        g_variant_get(arguments, "(&s)", &text);
+        static_cast<Completions*>(completions)->give(text);
+    }
+}
+
+ItemActs::Variant ItemActs::call(const char* method, GVariant* arguments, const char* reply_type) const {
+    GError* error = nullptr;
+    Variant reply(g_dbus_connection_call_sync(bus_.get(), kEngineName, kPath, kEngineName, method, arguments,
+                                              G_VARIANT_TYPE(reply_type), G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
+                                              &error));
+    if (!reply) {
+        fail(error);
+    }
+    return reply;
+}
