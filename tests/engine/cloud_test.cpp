@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <cstdlib>
 #include <memory>
 
 #include "accounts.h"
@@ -114,6 +115,24 @@ TEST_F(Cloud, ALargeFolderComesInSections) {
     }
 
     EXPECT_EQ(items, 1000U);
+}
+
+TEST_F(Cloud, AnEngineThatHasNothingToDoIsSmall) {
+    server_.write("song.mp3", "");
+    add_account("cloud", server_.url(), "anna", "secret");
+    start_engine();
+    client_.call("get_usb_storages", g_variant_new("(u)", 0));
+    const uint32_t id = client_.connect("cloud");
+    ASSERT_EQ(list(id, "")["qra_event_type"], 0);
+    client_.disconnect(id);
+    client_.next();
+
+    const size_t dirty = private_dirty_kb_of(std::atoi(g_subprocess_get_identifier(engine_)));
+
+    RecordProperty("private_dirty_kb", static_cast<int>(dirty));
+    if (kIsMemoryOurs) {
+        EXPECT_LT(dirty, 12 * 1024u);
+    }
 }
 
 TEST_F(Cloud, AWrongPasswordIsAFailedList) {

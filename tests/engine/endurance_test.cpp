@@ -8,13 +8,6 @@
 
 namespace {
 
-// The sanitizers keep memory that was freed.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kIsMemoryOurs = false;
-#else
-constexpr bool kIsMemoryOurs = true;
-#endif
-
 constexpr char kAccount[] = R"({"folders":20,"media":180})";
 
 /// Connects, reads a list of 200 items and disconnects; the name of the list.

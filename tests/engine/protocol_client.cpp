@@ -22,6 +22,21 @@ constexpr char kShmDirectory[] = "/dev/shm/";
 
 }  // namespace
 
+size_t private_dirty_kb_of(pid_t pid) {
+    std::ifstream file("/proc/" + std::to_string(pid) + "/smaps_rollup");
+    std::string line;
+    while (std::getline(file, line)) {
+        std::istringstream words(line);
+        std::string key;
+        size_t kilobytes = 0;
+        if (words >> key >> kilobytes && key == "Private_Dirty:") {
+            return kilobytes;
+        }
+    }
+    ADD_FAILURE() << "no Private_Dirty of process " << pid;
+    return 0;
+}
+
 EngineProcess::EngineProcess(const std::vector<std::string>& limits) {
     std::vector<char*> arguments = {const_cast<char*>(QRA_TEST_ENGINE)};
     for (const std::string& limit : limits) {
@@ -74,21 +89,6 @@ size_t EngineProcess::open_descriptors() const {
         count += entry.path().empty() ? 0 : 1;
     }
     return count;
-}
-
-size_t EngineProcess::private_dirty_kb() const {
-    std::ifstream file("/proc/" + std::to_string(pid_) + "/smaps_rollup");
-    std::string line;
-    while (std::getline(file, line)) {
-        std::istringstream words(line);
-        std::string key;
-        size_t kilobytes = 0;
-        if (words >> key >> kilobytes && key == "Private_Dirty:") {
-            return kilobytes;
-        }
-    }
-    ADD_FAILURE() << "no Private_Dirty of process " << pid_;
-    return 0;
 }
 
 SectionTexts read_section(const std::string& name) {

@@ -21,6 +21,16 @@ public:
     DataDirectory() { setenv("QRA_DATA_DIR", path().c_str(), 1); }
 };
 
+// The sanitizers keep memory that was freed.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool kIsMemoryOurs = false;
+#else
+inline constexpr bool kIsMemoryOurs = true;
+#endif
+
+/// Private dirty memory of a process, in kB; of its whole address space.
+size_t private_dirty_kb_of(pid_t pid);
+
 /// An engine as a process of its own. One that still runs is asked to end with the object, and must end well.
 class EngineProcess {
 public:
@@ -35,8 +45,7 @@ public:
     int end();        ///< SIGTERM; the exit status
 
     size_t open_descriptors() const;
-    /// Private dirty memory of the process, in kB; of its whole address space.
-    size_t private_dirty_kb() const;
+    size_t private_dirty_kb() const { return private_dirty_kb_of(pid_); }
 
 private:
     int wait();

@@ -1,6 +1,8 @@
 // A remote list in the life of its process: main loops, other threads, engines that go away.
 #include <atomic>
 #include <condition_variable>
+#include <filesystem>
+#include <iterator>
 #include <mutex>
 
 #include "common/util/qra_handover.h"
@@ -64,6 +66,11 @@ private:
     GMainLoop* loop_;
     std::thread thread_;
 };
+
+size_t open_descriptors() {
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return static_cast<size_t>(std::distance(begin(descriptors), end(descriptors)));
+}
 
 /// Counts list events, of any thread.
 bool count_event(void* count, CQRAAgentHandle*, qra_event_e, int, const char*) {
@@ -158,6 +165,20 @@ TEST_F(CQRAWebAgentLife, ARequestWorksWhenTheEngineIsBackBesideAListOfTheEngineB
     complete_section(1);
     EXPECT_TRUE(wait_for_events(1));
     EXPECT_EQ(item(4), RemoteList::item(4));
+}
+
+TEST_F(CQRAWebAgentLife, ListsThatWereReadLeaveNoDescriptorBehind) {
+    constexpr int kRounds = 100;
+    size_t descriptors = 0;
+    for (int i = 0; i < kRounds; ++i) {
+        open_list();
+        ASSERT_EQ(lay_out(), QRA_ERROR_NONE) << i;
+        ASSERT_EQ(item(3), RemoteList::item(3)) << i;
+        ASSERT_EQ(disconnect(), QRA_ERROR_NONE) << i;
+        if (i == 0)
+            descriptors = open_descriptors();
+    }
+    EXPECT_EQ(open_descriptors(), descriptors);
 }
 
 TEST_F(CQRAWebAgentLife, RequestsAndDisconnectsMeetSignalsInFlight) {
