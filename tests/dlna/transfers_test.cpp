@@ -59,6 +59,42 @@ struct TransfersTest : HomeNetworkTest {
     const std::string path = directory.path("download");
 };
 
+TEST_F(TransfersTest, WritesAFileForOneDownloadAtATime) {
+    start();
+    server->set("GET.hold");
+    TransferReply first;
+    TransferReply second;
+    download(server->url("/res/v-0"), path, first);
+    server->await("GET", 1);
+    EXPECT_EQ(nbl_provider_download(server->url("/res/v-0").c_str(), "video/mp4",
+                                    (directory.path() + "/./download").c_str(), 1000,
+                                    &TransferReply::on_download, &second, &second.token),
+              NBL_ERROR_FILE);
+    server->clear();
+    server->release();
+
+    EXPECT_EQ(first.wait(), NBL_ERROR_NONE);
+    EXPECT_EQ(content_of(path), generated_bytes(kSize));
+    TransferReply again;
+    download(server->url("/res/v-0"), path, again);
+    EXPECT_EQ(again.wait(), NBL_ERROR_NONE);
+}
+
+TEST_F(TransfersTest, WritesTheFileOfACancelledDownloadAnew) {
+    start();
+    server->set("GET.hold", "", 1);
+    TransferReply first;
+    TransferReply second;
+    download(server->url("/res/v-0"), path, first);
+    server->await("GET", 1);
+    EXPECT_EQ(nbl_provider_cancel_download(first.token), NBL_ERROR_NONE);
+    download(server->url("/res/v-0"), path, second);
+
+    EXPECT_EQ(first.wait(), NBL_ERROR_CANCELLED);
+    EXPECT_EQ(second.wait(), NBL_ERROR_NONE);
+    EXPECT_EQ(content_of(path), generated_bytes(kSize));
+}
+
 TEST_F(TransfersTest, DownloadAnItemsFile) {
     start();
     TransferReply reply;

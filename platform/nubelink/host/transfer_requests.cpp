@@ -34,8 +34,13 @@ private:
 
 }  // namespace
 
-DownloadRequest::DownloadRequest(DownloadQuestion question, nbl_download_cb callback, void* user_data)
-    : Request(std::string()), question_(std::move(question)), callback_(callback), user_data_(user_data) {}
+DownloadRequest::DownloadRequest(DownloadQuestion question, std::shared_ptr<DownloadPaths::Hold> file,
+                                 nbl_download_cb callback, void* user_data)
+    : Request(std::string()),
+      question_(std::move(question)),
+      file_(std::move(file)),
+      callback_(callback),
+      user_data_(user_data) {}
 
 void DownloadRequest::start(Session& session) {
     session_ = &session;
@@ -48,12 +53,14 @@ void DownloadRequest::on_report(const DownloadReport& report) {
     if (report.state == NBL_DOWNLOAD_STATE_PROGRESS) {
         tell(report);
     } else if (const std::unique_ptr<Request> self = session_->requests().take(token())) {
+        file_.reset();  // The client may begin the next one when it hears of the end.
         tell(last_);
     }
 }
 
 void DownloadRequest::answer(int error) {
     download_.reset();  // The file is gone before the client hears of it.
+    file_.reset();
     last_.state = error == NBL_ERROR_CANCELLED ? NBL_DOWNLOAD_STATE_CANCELLED : NBL_DOWNLOAD_STATE_FAILED;
     last_.error = error;
     tell(last_);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/nubelink/host/download.h"
+#include "platform/nubelink/host/download_paths.h"
 #include "platform/nubelink/host/item_record.h"
 #include "platform/nubelink/host/request_table.h"
 #include "platform/nubelink/host/service.h"
@@ -15,7 +16,8 @@ namespace nbl {
 /// A download, with the client that is told of it.
 class DownloadRequest : public Request {
 public:
-    DownloadRequest(DownloadQuestion question, nbl_download_cb callback, void* user_data);
+    DownloadRequest(DownloadQuestion question, std::shared_ptr<DownloadPaths::Hold> file,
+                    nbl_download_cb callback, void* user_data);
 
     void start(Session& session) override;
     void answer(int error) override;
@@ -25,6 +27,7 @@ private:
     void tell(const DownloadReport& report);
 
     const DownloadQuestion question_;
+    std::shared_ptr<DownloadPaths::Hold> file_;
     const nbl_download_cb callback_;
     void* const user_data_;
     Session* session_ = nullptr;

@@ -35,12 +35,25 @@ int nbl_provider_download(const char* uri, const char* mimetype, const char* pat
     question.mimetype = mimetype != nullptr ? mimetype : "";
     question.path = path;
     question.interval = static_cast<unsigned>(std::max(interval_ms, kShortestInterval));
-    auto request = std::make_unique<nbl::DownloadRequest>(std::move(question), callback, user_data);
-    return Service::instance().start(std::move(request), token, RequestTable::kNoDeadline);
+    nbl::DownloadPaths& paths = nbl::DownloadPaths::instance();
+    const std::shared_ptr<nbl::DownloadPaths::Hold> file = paths.hold(question.path);
+    if (file == nullptr) {
+        return NBL_ERROR_FILE;
+    }
+    auto request = std::make_unique<nbl::DownloadRequest>(std::move(question), file, callback, user_data);
+    const int result = Service::instance().start(std::move(request), token, RequestTable::kNoDeadline);
+    if (result == NBL_ERROR_NONE) {
+        paths.name(*file, *token);
+    }
+    return result;
 }
 
 int nbl_provider_cancel_download(int token) {
-    return Service::instance().cancel(token);
+    const int result = Service::instance().cancel(token);
+    if (result == NBL_ERROR_NONE) {
+        nbl::DownloadPaths::instance().give_up(token);
+    }
+    return result;
 }
 
 int nbl_provider_receive(nbl_provider_t provider, nbl_item_t item,
