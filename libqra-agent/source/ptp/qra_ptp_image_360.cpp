@@ -200,8 +200,7 @@ bool qra_ptp_has_panorama_packet(std::FILE* pFile) {
     while (ReadBytes(pFile, head, sizeof head)) {
         const uint16_t nMarker = BigEndian16(head);
         const size_t nLength = BigEndian16(head + 2);
-        if (head[0] != 0xFF || nMarker == kMarkerBaseline || nMarker == kMarkerProgressive ||
-            nLength < kSmallestLength)
+        if (nMarker == kMarkerBaseline || nMarker == kMarkerProgressive || nLength < kSmallestLength)
             return false;
         if (nMarker == kMarkerApp1 && std::memcmp(head + 4, "Exif", 4) != 0) {
             if (!ReadSegmentData(pFile, nLength, strData))

@@ -210,6 +210,8 @@ TEST(PtpImagePacket, IsFoundBehindOtherSegments) {
     EXPECT_TRUE(has_panorama(jpeg_picture({jpeg_segment(0xE1, "Something else of this kind"), xmp})));
     EXPECT_TRUE(has_panorama(jpeg_picture({xmp_segment("<x/>"), xmp})));
     EXPECT_TRUE(has_panorama(jpeg_picture({jpeg_segment(0xDB, std::string(64, '\x01')), xmp})));
+    // A segment whose marker is none.
+    EXPECT_TRUE(has_panorama(jpeg_picture({"\x01" + jpeg_segment(0xE2, "1234").substr(1), xmp})));
     // Segments with less in them than is read of each.
     for (const size_t size : {0, 1, 2, 3, 4}) {
         EXPECT_TRUE(has_panorama(jpeg_picture({jpeg_segment(0xDD, std::string(size, '\x01')), xmp}))) << size;
