@@ -6,6 +6,9 @@
 // one after the other: one that looks at nothing in them, and one that reads titles and types. The floor of
 // an item is libxml2's reader going through the same text.
 //
+// How soon a server is in the list is measured from the start of its process, and how soon a request on one
+// that is gone fails, both for one that was killed and one that says nothing any more.
+//
 // Of a folder it prints the time on the clock, and in brackets the processor time of the client and of the
 // server, which say what a busy machine hides.
 
@@ -24,6 +27,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -153,6 +157,22 @@ public:
             nbl_serviceprovider_get_devicefinder(service_, &finder_) != NBL_ERROR_NONE) {
             give_up("no service");
         }
+        nbl_devicefinder_set_event_callback(
+            finder_, NBL_DEVICE_CLASS_MEDIA_SERVER,
+            [](nbl_device_event* event, int, int, void* self) {
+                static_cast<Client*>(self)->signal_.change([&] {
+                    static_cast<Client*>(self)->arrivals_ += event->event == NBL_DEVICE_EVENT_ADDED ? 1 : 0;
+                });
+            },
+            this);
+    }
+    int arrivals() {
+        return signal_.read([this] { return arrivals_; });
+    }
+    void wait_for_arrival(int count) {
+        if (!signal_.wait([this, count] { return arrivals_ >= count; })) {
+            give_up("a server does not come");
+        }
     }
     nbl_provider_t first_server() {
         for (int i = 0; i < 100; ++i) {
@@ -183,7 +203,51 @@ private:
     Signal signal_;
     nbl_serviceprovider_t service_ = nullptr;
     nbl_devicefinder_t finder_ = nullptr;
+    int arrivals_ = 0;
 };
+
+/// Reads the folder on a server that is gone by then.
+double seconds_to_failure(nbl_provider_t provider) {
+    return seconds_of(
+        [provider] {
+            nbl_item_t item = nullptr;
+            nbl_item_create_provider_item("folder", &item);
+            Reply reply;
+            nbl_provider_browse(provider, item, 0, kPage, &Reply::on_items, &reply, &reply.token);
+            nbl_item_free(item);
+            if (reply.wait() == NBL_ERROR_NONE) {
+                give_up("a server that is gone answers");
+            }
+        },
+        CLOCK_MONOTONIC);
+}
+
+void measure_presence(Client& client) {
+    std::vector<double> arrival;
+    std::vector<double> killed;
+    for (int i = 0; i < kRuns; ++i) {
+        const int before = client.arrivals();
+        std::optional<MediaServer> server;
+        arrival.push_back(seconds_of(
+            [&] {
+                server.emplace();
+                client.wait_for_arrival(before + 1);
+            },
+            CLOCK_MONOTONIC));
+        nbl_provider_t provider = client.first_server();
+        server->kill();
+        killed.push_back(seconds_to_failure(provider));
+        client.wait_until_gone();
+    }
+    std::printf("%-28s %9.2f ms after the start of its process\n", "in the list", median_of(arrival) * 1e3);
+    std::printf("%-28s %9.2f ms\n", "failed on a killed server", median_of(killed) * 1e3);
+    MediaServer server;
+    nbl_provider_t provider = client.first_server();
+    kill(server.pid(), SIGSTOP);
+    std::printf("%-28s %9.2f ms\n", "failed on a silent server", seconds_to_failure(provider) * 1e3);
+    server.kill();
+    client.wait_until_gone();
+}
 
 /// A folder of a server, for one comparison.
 struct Folder {
@@ -359,6 +423,7 @@ int main(int argc, char** argv) {
     }
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     Client client;
+    measure_presence(client);
     {
         MediaServer server;
         server.generate("folder", "music", kItems);
