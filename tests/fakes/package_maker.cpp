@@ -33,6 +33,21 @@ std::string le32(uint64_t number) {
     return little_endian(number, 4);
 }
 
+std::string le64(uint64_t number) {
+    return little_endian(number, 8);
+}
+
+/// What stands behind the directory of a ZIP.
+std::string zip_end(uint64_t count, uint64_t begin, uint64_t size, bool in_64_bits) {
+    const std::string end = "PK\5\6" + le32(0);
+    if (!in_64_bits) {
+        return end + le16(count) + le16(count) + le32(size) + le32(begin) + le16(0);
+    }
+    return "PK\6\6" + le64(44) + le16(45) + le16(45) + le64(0) + le64(count) + le64(count) + le64(size) +
+           le64(begin) + "PK\6\7" + le32(0) + le64(begin + size) + le32(1) + end + le16(UINT16_MAX) +
+           le16(UINT16_MAX) + le32(UINT32_MAX) + le32(UINT32_MAX) + le16(0);
+}
+
 /// A file that is written from front to back; zeros become holes.
 class Writer {
 public:
@@ -290,25 +305,29 @@ bool write_container(const std::string& path, const std::vector<Entry>& entries,
     return archive_write_close(out.get()) == ARCHIVE_OK;
 }
 
-bool write_zip(const std::string& path, const std::vector<ZipEntry>& entries) {
+bool write_zip(const std::string& path, const std::vector<ZipEntry>& entries, bool in_64_bits) {
     Writer out(path);
     std::string directory;
     for (const ZipEntry& entry : entries) {
         const uint64_t packed = entry.bytes.size() + entry.hole;
-        const std::string common = le16(20) + le16(entry.flags) + le16(entry.method) + le32(0x58210000) +
-                                   le32(entry.hole != 0 ? 0 : crc_of(entry.bytes)) + le32(packed) +
-                                   le32(entry.size != 0 ? entry.size : packed) + le16(entry.name.size());
-        directory += "PK\1\2" + le16(0x0314) + common + le16(0) + le16(0) + le16(0) + le16(0) +
-                     le32(0x81A40000U) + le32(out.at()) + entry.name;
-        out.add("PK\3\4" + common + le16(0) + entry.name);
+        const uint64_t size = entry.size != 0 ? entry.size : packed;
+        const std::string common = le16(in_64_bits ? 45 : 20) + le16(entry.flags) + le16(entry.method) +
+                                   le32(0x58210000) + le32(entry.hole != 0 ? 0 : crc_of(entry.bytes)) +
+                                   le32(in_64_bits ? UINT32_MAX : packed) +
+                                   le32(in_64_bits ? UINT32_MAX : size) + le16(entry.name.size());
+        const std::string sizes = le64(size) + le64(packed);
+        const std::string extra = in_64_bits ? le16(1) + le16(24) + sizes + le64(out.at()) : "";
+        directory += "PK\1\2" + le16(0x0314) + common + le16(extra.size()) + le16(0) + le16(0) + le16(0) +
+                     le32(0x81A40000U) + le32(in_64_bits ? UINT32_MAX : out.at()) + entry.name + extra;
+        const std::string local_extra = in_64_bits ? le16(1) + le16(16) + sizes : "";
+        out.add("PK\3\4" + common + le16(local_extra.size()) + entry.name + local_extra);
         out.add(entry.bytes);
         out.add_hole(entry.hole);
     }
     const uint64_t begin = out.at();
     out.add(directory);
-    out.add("PK\5\6" + le32(0) + le16(entries.size()) + le16(entries.size()) + le32(directory.size()) +
-            le32(begin) + le16(0));
-    return out.finish() && out.at() <= UINT32_MAX && entries.size() <= UINT16_MAX;
+    out.add(zip_end(entries.size(), begin, directory.size(), in_64_bits));
+    return out.finish() && (in_64_bits || (out.at() <= UINT32_MAX && entries.size() <= UINT16_MAX));
 }
 
 std::string tar_header(const std::string& name, uint64_t size, char type) {

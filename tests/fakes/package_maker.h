@@ -78,8 +78,8 @@ struct ZipEntry {
     uint64_t hole = 0;    ///< so many zeros follow the bytes, and count as theirs
 };
 
-/// Writes a ZIP whose holes take no room on a disk. False also if it would need 64 bits.
-bool write_zip(const std::string& path, const std::vector<ZipEntry>& entries);
+/// Writes a ZIP whose holes take no room on a disk. False also if it needs 64 bits and has 32.
+bool write_zip(const std::string& path, const std::vector<ZipEntry>& entries, bool in_64_bits = false);
 
 /// The 512 bytes before a file in a tar.
 std::string tar_header(const std::string& name, uint64_t size, char type = '0');

@@ -18,7 +18,10 @@ namespace scsa_host {
 namespace {
 
 constexpr size_t kDirectoryBlock = 512;  // a header of a tar, and about what a file takes in a ZIP
+constexpr size_t kZipHeader = 30;        // of a file, without its name
 constexpr size_t kDataBlock = 4096;
+constexpr uint64_t kFirstPiece = 64;
+constexpr uint64_t kPieces = 16;
 constexpr la_int64_t kZipTail = 16 << 10;  // where libarchive looks for the end of a ZIP
 
 /// Makes the calling thread's texts UTF-8 for a scope: libarchive converts names by the locale, and a program
@@ -43,27 +46,70 @@ private:
     locale_t before_;
 };
 
-/// The end of a ZIP, as far as it has no comment: it tells where the directory is.
-struct ZipEnd {
+/// The end of a ZIP, as far as it has no comment: it tells where the directory is, in 32 bits or in 64.
+class ZipEnd {
+public:
     static constexpr size_t kSize = 22;
-    static constexpr std::string_view kMark = "PK\5\6";
 
-    bool is_all = false;  ///< nothing is in front of it
-    uint64_t directory = 0;
+    explicit ZipEnd(ByteSource& source);
+
+    /// Whether nothing is in front of it.
+    bool is_all() const { return is_all_; }
+    /// Where the directory begins; 0 if that is not known.
+    uint64_t directory() const { return directory_; }
+    /// All from the directory on; empty if that is not known, or much.
+    std::vector<uint8_t> tail(ByteSource& source) const;
+
+private:
+    static constexpr size_t kSize64 = 56 + 20;  // the same in 64 bits, and what tells where that is
+    static constexpr size_t kMostTail = 64 << 10;
+
+    uint64_t directory_in_64_bits(const uint8_t* end) const;
+
+    bool is_all_ = false;
+    uint64_t directory_ = 0;
+    uint64_t last_at_ = 0;
+    std::vector<uint8_t> last_;
 };
 
-ZipEnd read_zip_end(ByteSource& source) {
-    std::vector<uint8_t> bytes;
-    ZipEnd end;
-    if (source.size() < ZipEnd::kSize ||
-        !source.read_block({source.size() - ZipEnd::kSize, ZipEnd::kSize}, ZipEnd::kSize, bytes) ||
-        !media_content::begins_with(bytes.data(), ZipEnd::kMark)) {
-        return end;
+ZipEnd::ZipEnd(ByteSource& source) {
+    last_at_ = source.size() - std::min<uint64_t>(source.size(), kSize + kSize64);
+    const size_t count = static_cast<size_t>(source.size() - last_at_);
+    if (count < kSize || !source.read_block({last_at_, count}, count, last_)) {
+        return;
     }
-    end.is_all =
-        source.size() == ZipEnd::kSize && std::count(bytes.begin() + 4, bytes.end(), 0) == ZipEnd::kSize - 4;
-    end.directory = media_content::little32(&bytes[16]);
-    return end;
+    const uint8_t* const end = &last_[count - kSize];
+    if (!media_content::begins_with(end, "PK\5\6")) {
+        return;
+    }
+    is_all_ = count == kSize && std::count(end + 4, end + kSize, 0) == kSize - 4;
+    const uint32_t directory = media_content::little32(end + 16);
+    directory_ = directory == UINT32_MAX ? directory_in_64_bits(end) : directory;
+    if (directory_ >= source.size() - kSize) {
+        directory_ = 0;
+    }
+}
+
+uint64_t ZipEnd::directory_in_64_bits(const uint8_t* end) const {
+    if (last_.size() < kSize + kSize64) {
+        return 0;
+    }
+    const uint8_t* const end64 = end - kSize64;
+    const uint8_t* const pointer = end - 20;
+    const bool is_there = media_content::begins_with(end64, "PK\6\6") &&
+                          media_content::begins_with(pointer, "PK\6\7") &&
+                          media_content::little64(pointer + 8) == last_at_;
+    return is_there ? media_content::little64(end64 + 48) : 0;
+}
+
+std::vector<uint8_t> ZipEnd::tail(ByteSource& source) const {
+    std::vector<uint8_t> bytes;
+    if (directory_ >= last_at_) {
+        bytes.assign(last_.begin() + static_cast<ptrdiff_t>(directory_ - last_at_), last_.end());
+    } else if (directory_ != 0 && source.read_block({directory_, last_at_ - directory_}, kMostTail, bytes)) {
+        bytes.insert(bytes.end(), last_.begin(), last_.end());
+    }
+    return bytes;
 }
 
 bool ends_with(std::string_view text, std::string_view end) {
@@ -77,18 +123,24 @@ class ContainerReader::Input {
 public:
     explicit Input(ByteSource& source) : source_(source), buffer_(kDataBlock) {}
 
-    /// Where the directory of a ZIP begins. libarchive looks for its end in the last 16 KiB, and what lies
-    /// there before the directory are files, of which nothing is wanted then.
-    void set_directory(uint64_t begin) { directory_ = begin; }
+    /// The directory of a ZIP, read already where it is small. libarchive looks for its end in the last 16
+    /// KiB, and what lies there before the directory are files, of which nothing is wanted then.
+    void set_directory(uint64_t begin, std::vector<uint8_t> tail) {
+        directory_ = begin;
+        tail_ = std::move(tail);
+        budget_ -= std::min<uint64_t>(tail_.size(), budget_);
+        is_zip_ = !tail_.empty();
+    }
     /// Whether it was asked for more than the budget has.
     bool is_exhausted() const { return exhausted_; }
 
-    /// A wanted file is read in larger pieces than the names before it, and may be larger than all of them.
+    /// A wanted file may be larger than all names before it, and how much of it there is nobody knows: pieces
+    /// grow with what was read, so that the last one is hardly too long.
     void turn_to_data() {
         if (most_unpacked_ != 0) {
             return;
         }
-        block_ = kDataBlock;
+        is_data_ = true;
         budget_ = kLargestEntry + kLargestDirectory;
     }
     /// Where all is compressed, what precedes a file has to be read.
@@ -120,7 +172,14 @@ private:
             exhausted_ = true;
             return ARCHIVE_FATAL;
         }
-        const size_t count = source_.read(offset_, buffer_.data(), std::min<uint64_t>(block_, budget_));
+        const uint64_t tail_begin = source_.size() - tail_.size();
+        if (offset_ >= tail_begin && !tail_.empty()) {
+            return give_tail(tail_begin, bytes);
+        }
+        const size_t count =
+            source_.read(offset_, buffer_.data(), std::min({next_block(), budget_, tail_begin - offset_}));
+        data_read_ += is_data_ ? count : 0;
+        look_at_header(count);
         offset_ += count;
         budget_ -= count;
         return static_cast<la_ssize_t>(count);
@@ -131,6 +190,29 @@ private:
         std::fill_n(buffer_.begin(), count, '\0');
         offset_ += count;
         return static_cast<la_ssize_t>(count);
+    }
+
+    uint64_t next_block() const {
+        if (is_data_) {
+            return std::clamp<uint64_t>(data_read_ / kPieces, kFirstPiece, kDataBlock);
+        }
+        return is_zip_ ? header_left_ : block_;
+    }
+
+    /// A file of a ZIP begins with a header that tells how long its rest is.
+    void look_at_header(size_t count) {
+        const auto* const header = reinterpret_cast<const uint8_t*>(buffer_.data());
+        const bool is_header = count == kZipHeader && media_content::begins_with(header, "PK\3\4");
+        const size_t rest =
+            is_header ? media_content::little16(header + 26) + media_content::little16(header + 28) : 0;
+        header_left_ = rest != 0 ? rest : kZipHeader;
+    }
+
+    la_ssize_t give_tail(uint64_t tail_begin, const void** bytes) {
+        const size_t at = static_cast<size_t>(std::min(offset_ - tail_begin, uint64_t{tail_.size()}));
+        *bytes = &tail_[0] + at;
+        offset_ = source_.size();
+        return static_cast<la_ssize_t>(tail_.size() - at);
     }
 
     la_int64_t seek_to(la_int64_t offset, int whence) {
@@ -159,9 +241,14 @@ private:
     std::vector<char> buffer_;
     uint64_t offset_ = 0;
     size_t block_ = kDirectoryBlock;
+    bool is_zip_ = false;     ///< one whose directory was read
+    size_t header_left_ = 1;  ///< libarchive begins with a look whether there is anything
+    bool is_data_ = false;
+    uint64_t data_read_ = 0;
     uint64_t budget_ = kLargestDirectory;
     uint64_t most_unpacked_ = 0;
     uint64_t directory_ = 0;
+    std::vector<uint8_t> tail_;
     uint64_t blank_until_ = 0;
     bool exhausted_ = false;
 };
@@ -177,7 +264,8 @@ void ContainerReader::choose_formats() {
     std::array<char, kZipMark.size()> begin{};
     if (source_.read_exactly(0, begin.data(), begin.size()) &&
         std::string_view(begin.data(), begin.size()) == kZipMark) {
-        input_->set_directory(read_zip_end(source_).directory);
+        const ZipEnd end(source_);
+        input_->set_directory(end.directory(), end.tail(source_));
         archive_read_support_format_zip_seekable(archive_.get());
         return;
     }
@@ -188,7 +276,7 @@ void ContainerReader::choose_formats() {
 
 bool ContainerReader::open() {
     const Utf8Names utf8;
-    if (source_.size() == ZipEnd::kSize && read_zip_end(source_).is_all) {
+    if (source_.size() == ZipEnd::kSize && ZipEnd(source_).is_all()) {
         is_empty_ = true;  // a ZIP without any file, which libarchive does not know as one
         return true;
     }
@@ -316,8 +404,8 @@ std::optional<ByteRange> ContainerReader::stored_place() {
         return std::nullopt;
     }
     // The place is where libarchive stands; that the file's bytes begin there is better seen than believed.
-    std::array<char, 64> begin{};
-    std::array<char, 64> told{};
+    std::array<char, 16> begin{};
+    std::array<char, 16> told{};
     const size_t length = std::min<size_t>(begin.size(), place.length);
     const bool same = archive_read_data(handle, told.data(), length) == static_cast<la_ssize_t>(length) &&
                       source_.read_exactly(place.offset, begin.data(), length) && begin == told;

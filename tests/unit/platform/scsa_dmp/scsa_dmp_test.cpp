@@ -113,6 +113,39 @@ TEST_F(ScsaDmp, NamesComeAsTheyAreInAnyLocaleAndAreNeverPaths) {
     EXPECT_EQ(xml(path("c.zip"), "../outside.xml"), "<inside/>");
 }
 
+TEST_F(ScsaDmp, AZipMayCountIn64BitsAtAnySize) {
+    const std::string film = package_maker::sff_bytes({"<m/>"});
+    for (const size_t size : {10, 100000}) {
+        const std::string package = path("c.zip");
+        const std::string picture(size, 'p');
+        ASSERT_TRUE(package_maker::write_zip(
+            package, {{"a.xml", "<a/>"}, {"poster.jpg", picture}, {"f.uvu", film}}, true));
+        EXPECT_EQ(list(package), (Names{"a.xml", "poster.jpg", "f.uvu"}));
+        EXPECT_EQ(xml(package, "a.xml"), "<a/>");
+        EXPECT_EQ(image(package, "poster.jpg"), picture);
+        EXPECT_EQ(sff_xml(package, "f.uvu"), "<m/>");
+    }
+}
+
+TEST_F(ScsaDmp, TheEndOfAZipIn64BitsIsNotBelieved) {
+    ASSERT_TRUE(package_maker::write_zip(path("c.zip"), {{"a.xml", std::string(20000, 'a')}}, true));
+    const std::string whole = read("c.zip");
+    for (size_t at = whole.size() - 98; at < whole.size(); ++at) {
+        for (const char byte : {'\0', '\x7f', '\xff'}) {
+            std::string changed = whole;
+            changed[at] = byte;
+            const std::string package = write("changed.zip", changed);
+            list(package);
+            xml(package, "a.xml");
+        }
+    }
+    EXPECT_EQ(xml(write("moved.zip", whole.substr(0, whole.size() - 22) + std::string(50, '\0') +
+                                         whole.substr(whole.size() - 22)),
+                  "a.xml"),
+              "(failed)")
+        << "the locator stands in front of the end";
+}
+
 TEST_F(ScsaDmp, OnlyFilesAreListed) {
     const std::string tar =
         package_maker::tar_header("folder/", 0, '5') + package_maker::tar_header("link", 0, '2') +
