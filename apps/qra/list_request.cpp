@@ -142,6 +142,10 @@ bool ListRequest::reach(int index) {
     return qra_move_to_index_v2(handle_, index) == QRA_ERROR_NONE;
 }
 
+bool ListRequest::step() {
+    return qra_move_to_next_v2(handle_) == QRA_ERROR_NONE;
+}
+
 void ListRequest::move_to(int index) {
     check("tile " + std::to_string(index), qra_move_to_index_v2(handle_, index));
 }

@@ -86,17 +86,16 @@ Values read_values(qra_agent_handler_h list) {
     return values;
 }
 
-/// Puts the cursor on a file of the list. The list has no tiles but media, so that the path of one that
-/// cannot be read is told all the same.
+/// Puts the cursor on a file of the list. The list has no tiles but media: it can be walked tile by tile, which
+/// reads no package, and each tells its path.
 void move_to_file(ListRequest& request, const CommandLine& line, const std::string& name) {
-    for (int index = 0; index < request.tile_count(); ++index) {
+    for (int index = 0; index < request.tile_count(); ++index, request.step()) {
         check_interrupt();
-        const bool reached = request.reach(index);
         const std::string path = read_text(request.handle(), "FILE_PATH");
         if (path.substr(path.rfind('/') + 1) != name) {
             continue;
         }
-        if (!reached) {
+        if (!request.reach(index)) {
             throw CommandError(
                 ExitStatus::RequestFailed,
                 printable_text(line.path) + ": this package cannot be read (QRA_LOG=warning tells why)");

@@ -88,6 +88,18 @@ class PackageTest(ToolTest):
                 self.assert_fails(FAILED, message, "package", self.tree / name)
         self.assert_fails(USAGE, "FILE", "package")
 
+    def test_only_the_package_that_is_asked_for_is_read(self):
+        for name in ("a.uvu", "c.uvu"):
+            (self.tree / name).write_text("no package")
+        film = self.make_alone("b.uvu")
+        result = self.qra("package", film, "--json", QRA_LOG="warning")
+        self.assertEqual("Alone", json.loads(result.stdout)["TITLE_19"])
+        self.assertNotIn(b"a.uvu", result.stderr)
+        self.assertNotIn(b"c.uvu", result.stderr)
+        result = self.qra("package", self.tree / "c.uvu", status=FAILED, QRA_LOG="warning")
+        self.assertIn(b"c.uvu", result.stderr)
+        self.assertNotIn(b"a.uvu", result.stderr)
+
     def test_default_list_has_packages_with_uhd_alone(self):
         self.make_alone()
         png(self.tree / "picture.png")
