@@ -606,6 +606,12 @@ void add_dlna_commands(CLI::App& app, CommandLine& line) {
 
     CLI::App* servers = dlna->add_subcommand("servers", "Show the media servers that are there");
     servers->add_flag("--watch", line.devices.watch, "Then show what comes and goes, until Ctrl-C");
+    servers
+        ->add_option("--wait", line.dlna.wait,
+                     "How many seconds to look for servers; without it until the first search is over and a "
+                     "server is there, 5 seconds at most")
+        ->check(CLI::Range(0, 3600))
+        ->excludes("--watch");
     servers->add_flag("--json", line.json, "One JSON object for each server or event, one on a line");
     servers->callback([&line] { line.command = run_dlna_servers; });
 

@@ -66,6 +66,7 @@ struct DlnaOptions {
     std::vector<std::string> files;  ///< put
     std::string name;                ///< put: how the server is to call it
     std::optional<int> seconds;      ///< bookmark: to be set
+    std::optional<int> wait;         ///< servers: how long to look for them, in seconds
 };
 
 /// What the user asked for. Each command uses the fields that its options fill.

@@ -32,6 +32,8 @@ namespace {
 
 constexpr std::chrono::seconds kLongestAnswer{20};
 constexpr std::chrono::milliseconds kBetweenLooks{50};
+/// For servers: they answer within a second, and their descriptions are fetched then.
+constexpr std::chrono::seconds kLongestLook{5};
 
 [[noreturn]] void fail(const std::string& message) {
     throw CommandError(ExitStatus::RequestFailed, message);
@@ -204,9 +206,26 @@ void set_bookmark(ListRequest& request, int seconds) {
     }
 }
 
+/// Servers that are found after the first search. Whoever does not say how long to wait waits for the first
+/// one.
+void show_late_servers(const CommandLine& line, DlnaService& service, std::set<std::string> shown,
+                       std::chrono::steady_clock::time_point end) {
+    while (line.dlna.wait || shown.empty()) {
+        std::optional<ServerLine> server = service.next_before(end);
+        if (!server) {
+            return;
+        }
+        if (server->event == kAttached && shown.insert(server->id).second) {
+            server->event = "present";
+            show_server(line, *server);
+        }
+    }
+}
+
 }  // namespace
 
 void run_dlna_servers(const CommandLine& line) {
+    const auto start = std::chrono::steady_clock::now();
     DlnaService service;
     std::set<std::string> shown;
     for (const ServerLine& server : service.servers()) {
@@ -214,6 +233,8 @@ void run_dlna_servers(const CommandLine& line) {
         shown.insert(server.id);
     }
     if (!line.devices.watch) {
+        const auto wait = line.dlna.wait ? std::chrono::seconds(*line.dlna.wait) : kLongestLook;
+        show_late_servers(line, service, std::move(shown), start + wait);
         return;
     }
     while (const std::optional<ServerLine> server = service.next()) {

@@ -1,6 +1,7 @@
 #ifndef QRA_APPS_QRA_DLNA_SERVICE_H
 #define QRA_APPS_QRA_DLNA_SERVICE_H
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,6 +33,10 @@ public:
     std::vector<ServerLine> servers();
     /// The next server that comes or goes; nothing after a signal that ends the tool.
     std::optional<ServerLine> next() { return events_.next(); }
+    /// The same, but nothing after that point in time either.
+    std::optional<ServerLine> next_before(std::chrono::steady_clock::time_point end) {
+        return events_.next_before(end);
+    }
     /// The id of a server that is named by its id or by its name. Waits a while for it to come.
     /// @throws CommandError if it does not, or several servers have the name
     std::string find(const std::string& server);

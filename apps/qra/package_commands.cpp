@@ -86,8 +86,8 @@ Values read_values(qra_agent_handler_h list) {
     return values;
 }
 
-/// Puts the cursor on a file of the list. The list has no tiles but media: it can be walked tile by tile, which
-/// reads no package, and each tells its path.
+/// Puts the cursor on a file of the list. The list has no tiles but media: it can be walked tile by tile,
+/// which reads no package, and each tells its path.
 void move_to_file(ListRequest& request, const CommandLine& line, const std::string& name) {
     for (int index = 0; index < request.tile_count(); ++index, request.step()) {
         check_interrupt();

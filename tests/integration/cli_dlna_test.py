@@ -75,6 +75,19 @@ class ListTest(DlnaTest):
                 return shown
         self.fail("no server was found")
 
+    def test_servers_are_waited_for_as_long_as_the_user_says(self):
+        self.server.tell("goodbye")
+        looking = subprocess.Popen([QRA, "dlna", "servers", "--wait", "3600", "--json"], stdout=subprocess.PIPE,
+                                   text=True, env=self.environment)
+        self.addCleanup(looking.stdout.close)
+        self.addCleanup(looking.kill)
+        self.server.tell("hello")
+        second = Server("--name=Cellar", "--id=" + CELLAR)
+        self.addCleanup(second.end)
+        found = [json.loads(looking.stdout.readline()) for _ in range(2)]
+        self.assertEqual({server["name"] for server in found}, {"Attic", "Cellar"})
+        self.assertEqual({server["event"] for server in found}, {"present"})
+
     def test_servers_are_shown_with_name_and_id(self):
         self.assertEqual(json.loads(self.shown_servers("--json")), {
             "event": "present", "id": ATTIC, "name": "Attic", "address": "127.0.0.1", "own_maker": False})
