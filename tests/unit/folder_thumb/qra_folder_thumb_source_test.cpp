@@ -23,6 +23,13 @@ protected:
                                                    add_answer, &received);
     }
 
+    /// The thread takes one job after the other: with the answer to this one all before it are done with.
+    void wait_for_earlier_jobs() {
+        ASSERT_TRUE(source.RequestFolderThumbPath("/nowhere\xff", "CONTENT-IMAGE", nullptr, 4, add_answer,
+                                                  &received));
+        ASSERT_TRUE(received.wait_for(1));
+    }
+
     CQRAFolderThumbSource source;
 };
 
@@ -62,8 +69,9 @@ TEST_F(FolderThumbSource, WhatKeepsTheUserDataIsLetGoOfWithTheAnswer) {
     auto data = std::make_shared<Received>();
     ASSERT_TRUE(source.RequestFolderThumbPath(path("fresh").c_str(), "CONTENT-IMAGE", nullptr, 4, add_answer,
                                               data.get(), data));
-    EXPECT_EQ(data.use_count(), 2);
+    EXPECT_GT(data.use_count(), 1);
     EXPECT_TRUE(source.CancelAllRequestFolderThumbPath());
+    wait_for_earlier_jobs();
     EXPECT_EQ(data.use_count(), 1);
 }
 
@@ -73,10 +81,7 @@ TEST_F(FolderThumbSource, AScanOfARequestThatIsTakenBackMeanwhileDoesNotStay) {
         ASSERT_TRUE(request(4));
         ASSERT_TRUE(cancel(4));
     }
-    // The thread takes one job after the other: with the answer to this one all before it are done with.
-    ASSERT_TRUE(
-        source.RequestFolderThumbPath("/nowhere\xff", "CONTENT-IMAGE", nullptr, 4, add_answer, &received));
-    ASSERT_TRUE(received.wait_for(1));
+    wait_for_earlier_jobs();
     int running = 0;
     for (const FakeEngine::Call& call : engine.calls()) {
         if (call.arguments == scan_arguments(path("fresh"), "CONTENT-IMAGE", 4)) {
