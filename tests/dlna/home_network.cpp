@@ -25,11 +25,6 @@ bool comes_true(const std::function<bool()>& holds) {
     return true;
 }
 
-bool Signal::wait(const std::function<bool()>& holds) {
-    std::unique_lock<std::mutex> lock(mutex_);
-    return changed_.wait_for(lock, kPatience, holds);
-}
-
 std::string Item::text(int (*getter)(nbl_item_t, char**)) const {
     char* value = nullptr;
     getter(item_, &value);

@@ -3,41 +3,17 @@
 
 #include <gtest/gtest.h>
 
-#include <condition_variable>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "nubelink.h"
+#include "tests/fakes/awaited_signal.h"
 #include "tests/fakes/temp_dir.h"
 
 /// Looks again and again whether it holds, where nobody tells; false after a long time.
 bool comes_true(const std::function<bool()>& holds);
-
-/// What several threads tell and a test waits for.
-class Signal {
-public:
-    /// Runs that, then wakes whoever waits.
-    template <typename Change>
-    void change(Change change) {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        change();
-        changed_.notify_all();
-    }
-    /// Waits until it holds; false after a long time.
-    bool wait(const std::function<bool()>& holds);
-    template <typename Read>
-    auto read(Read read) {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        return read();
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable changed_;
-};
 
 /// An item, as long as it is looked at.
 class Item {

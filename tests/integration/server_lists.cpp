@@ -1,27 +1,9 @@
 #include "tests/integration/server_lists.h"
 
-#include <chrono>
 #include <cstdlib>
 #include <memory>
 
 #include "tests/dlna/media_server.h"
-
-namespace {
-
-constexpr std::chrono::seconds kPatience(60);
-
-}  // namespace
-
-void Told::change(const std::function<void()>& change) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    change();
-    changed_.notify_all();
-}
-
-bool Told::wait(const std::function<bool()>& holds) {
-    std::unique_lock<std::mutex> lock(mutex_);
-    return changed_.wait_for(lock, kPatience, holds);
-}
 
 ServerList::ServerList(const std::string& server, const ServerListRequest& request) : server_(server) {
     send(request);

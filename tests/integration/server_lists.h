@@ -4,34 +4,16 @@
 #include <gtest/gtest.h>
 #include <qra/qra_content_agent.h>
 
-#include <condition_variable>
-#include <functional>
-#include <mutex>
 #include <set>
 #include <string>
 #include <vector>
+
+#include "tests/fakes/awaited_signal.h"
 
 // What pages of lists show.
 constexpr int kFoldersAndMedia = 0x06;
 constexpr int kGroups = 0x08;
 constexpr int kGroupsAndMedia = 0x0C;
-
-/// What a thread of the library tells and a test waits for.
-class Told {
-public:
-    void change(const std::function<void()>& change);
-    /// False if it does not come to hold within a long time.
-    bool wait(const std::function<bool()>& holds);
-    template <typename Read>
-    auto read(Read read) {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        return read();
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable changed_;
-};
 
 /// What a list shows.
 struct ServerListRequest {
@@ -75,7 +57,7 @@ private:
 
     const std::string server_;
     qra_agent_handler_h handle_ = nullptr;
-    Told told_;
+    Signal told_;
     int event_ = -1;
     int answers_ = 0;
 };
@@ -98,7 +80,7 @@ private:
     static void on_server(void* self, int event, qra_storage_h storage);
     bool wait_for_state(int state);
 
-    Told told_;
+    Signal told_;
     int state_ = -1;
     std::set<std::string> here_;
 };
