@@ -29,8 +29,8 @@ void KnownContainer::charge(uint64_t cost) {
 }
 
 KnownContainers& KnownContainers::instance() {
-    static KnownContainers containers;
-    return containers;
+    static auto* const containers = new KnownContainers;  // outlives the threads that still use it at exit
+    return *containers;
 }
 
 std::shared_ptr<KnownContainer> KnownContainers::find(const FileState& state) {

@@ -25,11 +25,11 @@ inline uint32_t little32(const uint8_t* p) {
     return static_cast<uint32_t>(little16(p + 2)) << 16 | little16(p);
 }
 
-/// Whether the bytes begin with the text; the caller knows that there are as many.
 inline uint64_t little64(const uint8_t* p) {
     return little32(p) | uint64_t{little32(p + 4)} << 32U;
 }
 
+/// Whether the bytes begin with the text; the caller knows that there are as many.
 inline bool begins_with(const uint8_t* bytes, std::string_view text) {
     return std::string_view(reinterpret_cast<const char*>(bytes), text.size()) == text;
 }
