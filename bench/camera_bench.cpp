@@ -3,15 +3,13 @@
 // process; its own work is part of every figure.
 
 #include <libmtp.h>
-#include <sys/resource.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "bench/measure.h"
 #include "libqra-agent/source/ptp/qra_ptp_manage.h"
 #include "mtp.h"
 #include "platform/mtp/virtual-camera/virtual_camera.h"
@@ -19,30 +17,19 @@
 
 namespace {
 
+using bench::Cost;
+using bench::give_up;
+using bench::median;
+
 constexpr int kObjects = 5000;
 constexpr int kFolders = 2;
 constexpr int kRounds = 9;
 constexpr int kBus = 1;
 
-[[noreturn]] void give_up(const std::string& what) {
-    std::fprintf(stderr, "bench: %s\n", what.c_str());
-    std::exit(1);
-}
-
 void expect(bool done, const char* what) {
     if (!done) {
         give_up(what);
     }
-}
-
-/// What this process has used of the processor.
-double processor_milliseconds() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto milliseconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
-    };
-    return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
 }
 
 int count_bare(LIBMTP_mtpdevice_t* device, uint32_t storage, uint32_t folder) {
@@ -136,21 +123,15 @@ struct Client {
     uint64_t transactions = 0;
 };
 
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 void measure(Client& client, int number) {
-    using Clock = std::chrono::steady_clock;
     const uint64_t transactions = virtual_camera_transactions(kBus, number, 0);
-    const double processor = processor_milliseconds();
-    const Clock::time_point start = Clock::now();
-    if (client.list(number) != kObjects + kFolders) {
-        give_up(std::string("the list is not complete: ") + client.name);
-    }
-    client.wall.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
-    client.processor.push_back(processor_milliseconds() - processor);
+    const Cost cost = bench::cost_of([&] {
+        if (client.list(number) != kObjects + kFolders) {
+            give_up(std::string("the list is not complete: ") + client.name);
+        }
+    });
+    client.wall.push_back(cost.wall);
+    client.processor.push_back(cost.processor);
     client.transactions = virtual_camera_transactions(kBus, number, 0) - transactions;
 }
 
@@ -176,8 +157,8 @@ void run(VirtualCameras& cameras, const std::string& kind) {
             "camera, %s, %-16s %6llu transactions (%.3fx) %8.1f ms (%.2fx) %8.1f ms of processor (%.2fx)\n",
             kind.c_str(), client.name, static_cast<unsigned long long>(client.transactions),
             static_cast<double>(client.transactions) / static_cast<double>(floor.transactions),
-            median(client.wall), median(client.wall) / median(floor.wall), median(client.processor),
-            median(client.processor) / median(floor.processor));
+            median(client.wall) * 1e3, median(client.wall) / median(floor.wall),
+            median(client.processor) * 1e3, median(client.processor) / median(floor.processor));
     }
 }
 

@@ -8,12 +8,10 @@
 // change.
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -22,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/measure.h"
 #include "media_content.h"
 #include "media_content_admin.h"
 #include "tests/integration/batch_list.h"
@@ -30,38 +29,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using bench::Cost;
+using bench::cost_of;
+using bench::give_up;
+using bench::median;
+
 constexpr size_t kBlock = 65536;
 constexpr int kBlocksPerFlush = 16;
 constexpr size_t kSmallFile = 4096;
-
-[[noreturn]] void give_up(const std::string& what) {
-    std::fprintf(stderr, "bench: %s\n", what.c_str());
-    std::exit(1);
-}
-
-/// What one run took, in seconds.
-struct Cost {
-    double time = 0;
-    double processor = 0;
-};
-
-double processor_seconds() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-template <class Work>
-Cost cost_of(const Work& work) {
-    const double processor = processor_seconds();
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-    return {time.count(), processor_seconds() - processor};
-}
 
 /// A drive with a media database of its own, in the directory that the command line names.
 class Drive {
@@ -188,12 +163,7 @@ double stop_of_job(const Drive& drive, const std::string& folder, size_t mebibyt
     if (fs::exists(copy)) {
         give_up("the job was over before it was stopped");
     }
-    return cost.time;
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
+    return cost.wall;
 }
 
 double load() {
@@ -214,9 +184,9 @@ void compare(const Drive& drive, const std::string& what, int files, int pairs, 
         const std::string floor_folder = drive.fresh("floor" + std::to_string(pair));
         const Cost plain = cost_of([&] { floor(drive, floor_folder); });
         const Cost job = copy_job(drive, drive.fresh("copy" + std::to_string(pair)), files);
-        floors.push_back(plain.time);
-        jobs.push_back(job.time);
-        ratios.push_back(job.time / plain.time);
+        floors.push_back(plain.wall);
+        jobs.push_back(job.wall);
+        ratios.push_back(job.wall / plain.wall);
         floor_processor.push_back(plain.processor * 1e3 / files);
         job_processor.push_back(job.processor * 1e3 / files);
     }
@@ -230,7 +200,7 @@ void compare(const Drive& drive, const std::string& what, int files, int pairs, 
 double removal(const Drive& drive, const std::string& folder, size_t size) {
     const fs::path part = drive.target(folder + "/0.jpg");
     copy_plainly(drive.target("source/0.jpg"), part, size);
-    return cost_of([&] { unlink(part.c_str()); }).time;
+    return cost_of([&] { unlink(part.c_str()); }).wall;
 }
 
 void compare_stops(const Drive& drive, size_t mebibytes, int pairs) {

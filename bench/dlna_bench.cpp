@@ -19,13 +19,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -33,6 +32,7 @@
 #include <vector>
 
 #include "bench/dlna_plain_client.h"
+#include "bench/measure.h"
 #include "platform/nubelink/host/didl_reader.h"
 #include "platform/nubelink/host/soap_call.h"
 #include "platform/nubelink/host/text.h"
@@ -42,21 +42,14 @@
 
 namespace {
 
+using bench::give_up;
+using bench::median;
+using bench::seconds_on;
+
 constexpr int kItems = 10'000;
 constexpr int kPage = PlainClient::kPage;
 constexpr int kInFlight = 5;
 constexpr int kRuns = 5;
-
-[[noreturn]] void give_up(const char* what) {
-    std::fprintf(stderr, "dlna_bench: %s\n", what);
-    std::exit(1);
-}
-
-double seconds_on(clockid_t clock) {
-    timespec time = {};
-    clock_gettime(clock, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
 
 double seconds_of(const std::function<void()>& work, clockid_t clock) {
     const double start = seconds_on(clock);
@@ -70,11 +63,6 @@ double processor_seconds(int pid) {
     return clock_getcpuclockid(pid, &clock) == 0 ? seconds_on(clock) : 0;
 }
 
-double median_of(std::vector<double> times) {
-    std::nth_element(times.begin(), times.begin() + kRuns / 2, times.end());
-    return times[kRuns / 2];
-}
-
 /// Runs both in turn and prints the medians and the ratio.
 void compare(const char* name, const std::function<double()>& ours, const std::function<double()>& floor) {
     std::vector<double> our_times;
@@ -83,8 +71,8 @@ void compare(const char* name, const std::function<double()>& ours, const std::f
         floor_times.push_back(floor());
         our_times.push_back(ours());
     }
-    const double our_time = median_of(our_times);
-    const double floor_time = median_of(floor_times);
+    const double our_time = median(our_times);
+    const double floor_time = median(floor_times);
     std::printf("%-28s %9.2f ms  floor %9.2f ms  ratio %.2f\n", name, our_time * 1e3, floor_time * 1e3,
                 our_time / floor_time);
 }
@@ -239,8 +227,8 @@ void measure_presence(Client& client) {
         killed.push_back(seconds_to_failure(provider));
         client.wait_until_gone();
     }
-    std::printf("%-28s %9.2f ms after the start of its process\n", "in the list", median_of(arrival) * 1e3);
-    std::printf("%-28s %9.2f ms\n", "failed on a killed server", median_of(killed) * 1e3);
+    std::printf("%-28s %9.2f ms after the start of its process\n", "in the list", median(arrival) * 1e3);
+    std::printf("%-28s %9.2f ms\n", "failed on a killed server", median(killed) * 1e3);
     MediaServer server;
     nbl_provider_t provider = client.first_server();
     kill(server.pid(), SIGSTOP);
@@ -262,15 +250,15 @@ class Costs {
 public:
     void measure(const Folder& folder, const std::function<void()>& work) {
         const double server = processor_seconds(folder.server_pid);
-        const double client = seconds_on(CLOCK_PROCESS_CPUTIME_ID);
-        elapsed_.push_back(seconds_of(work, CLOCK_MONOTONIC));
-        client_.push_back(seconds_on(CLOCK_PROCESS_CPUTIME_ID) - client);
+        const bench::Cost cost = bench::cost_of(work);
+        elapsed_.push_back(cost.wall);
+        client_.push_back(cost.processor);
         server_.push_back(processor_seconds(folder.server_pid) - server);
     }
-    double elapsed() const { return median_of(elapsed_); }
+    double elapsed() const { return median(elapsed_); }
     void print(const char* name) const {
-        std::printf("  %-10s %9.2f ms (%7.2f + %7.2f)", name, elapsed() * 1e3, median_of(client_) * 1e3,
-                    median_of(server_) * 1e3);
+        std::printf("  %-10s %9.2f ms (%7.2f + %7.2f)", name, elapsed() * 1e3, median(client_) * 1e3,
+                    median(server_) * 1e3);
     }
 
 private:

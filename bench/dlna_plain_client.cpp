@@ -4,10 +4,9 @@
 #include <libsoup/soup.h>
 #include <libxml/parser.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <utility>
 
+#include "bench/measure.h"
 #include "platform/nubelink/host/glib_ptr.h"
 #include "platform/nubelink/host/soap_call.h"
 
@@ -21,11 +20,6 @@ void release_text(xmlChar* text) {
     xmlFree(text);
 }
 using XmlTextPtr = std::unique_ptr<xmlChar, nbl::Release<release_text>>;
-
-[[noreturn]] void give_up(const char* what) {
-    std::fprintf(stderr, "dlna_bench: %s\n", what);
-    std::exit(1);
-}
 
 std::string page_question(const std::string& folder, int start) {
     nbl::SoapQuestion question;
@@ -72,7 +66,7 @@ std::string PlainClient::fetch(int start) const {
     const nbl::BytesPtr answer(
         soup_session_send_and_read(session_->soup.get(), message.get(), nullptr, nullptr));
     if (answer == nullptr || soup_message_get_status(message.get()) != 200) {
-        give_up("the server does not answer the plain client");
+        bench::give_up("the server does not answer the plain client");
     }
     size_t size = 0;
     const void* data = g_bytes_get_data(answer.get(), &size);
@@ -85,7 +79,7 @@ int PlainClient::read(const std::string& answer) {
     xmlNode* result =
         document != nullptr ? find_element(xmlDocGetRootElement(document.get()), "Result") : nullptr;
     if (result == nullptr) {
-        give_up("the plain client does not understand the server");
+        bench::give_up("the plain client does not understand the server");
     }
     const XmlTextPtr didl(xmlNodeGetContent(result));
     const nbl::ObjectPtr<GUPnPDIDLLiteParser> parser(gupnp_didl_lite_parser_new());

@@ -4,12 +4,12 @@
 #include <benchmark/benchmark.h>
 #include <json/json.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "bench/list_client.h"
+#include "bench/measure.h"
 #include "bench/media_tree.h"
 #include "bench/sqlite_floor.h"
 
@@ -23,11 +23,8 @@ constexpr int kMediaOnly = 0x04;
 bench::MediaTree* g_tree;
 std::string g_folder;
 
-using Clock = std::chrono::steady_clock;
-
-double seconds_since(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
+using bench::Clock;
+using bench::seconds_since;
 
 /// Reads the tiles from `first` on and gives their texts.
 std::vector<std::string> read_page(qra_agent_handler_h handle, int first) {

@@ -1,21 +1,14 @@
 #include "bench/list_client.h"
 
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
+#include "bench/measure.h"
 
 namespace bench {
 
 namespace {
 
-[[noreturn]] void give_up(const char* what, int code) {
-    std::fprintf(stderr, "bench: %s: code %d\n", what, code);
-    std::exit(1);
-}
-
 void must(const char* what, qra_error_code_e code) {
     if (code != QRA_ERROR_NONE) {
-        give_up(what, code);
+        give_up(std::string(what) + ": code " + std::to_string(code));
     }
 }
 
@@ -29,16 +22,16 @@ ListClient::ListClient(const std::string& path, const char* content, const char*
     qra_param_set_general_content_type(param, content);
     qra_param_set_general_sort_category(param, category);
 
-    const auto start = std::chrono::steady_clock::now();
+    const Clock::time_point start = Clock::now();
     must("request the list", qra_request_list_v2(param, on_answer, this, &m_handle));
     {
         std::unique_lock<std::mutex> lock(m_mutex);
         m_answered.wait(lock, [this] { return m_done; });
     }
-    m_seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    m_seconds = seconds_since(start);
     qra_destroy_general_param(param);
     if (m_event != QRA_EVENT_LIST_SUCCESS) {
-        give_up("the list request failed with event", m_event);
+        give_up("the list request failed with event " + std::to_string(m_event));
     }
 }
 

@@ -10,6 +10,7 @@
 #include <iterator>
 #include <memory>
 
+#include "bench/measure.h"
 #include "media_content.h"
 #include "media_content_admin.h"
 
@@ -22,11 +23,6 @@ namespace {
 constexpr int kSecondsPerDay = 86400;
 constexpr int kPicturesPerDay = 100;
 constexpr int kFirstDay = 18000;
-
-[[noreturn]] void give_up(const std::string& what) {
-    std::fprintf(stderr, "bench: %s\n", what.c_str());
-    std::exit(1);
-}
 
 std::string read_file(const std::string& path) {
     std::ifstream file(path, std::ios::binary);

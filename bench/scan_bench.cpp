@@ -5,18 +5,16 @@
 #include <benchmark/benchmark.h>
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "bench/measure.h"
 #include "media_content.h"
 #include "media_content_admin.h"
 #include "platform/media-content/host/database/database.h"
@@ -28,37 +26,13 @@ using namespace media_content;
 
 namespace {
 
+using bench::Cost;
+using bench::cost_of;
+using bench::give_up;
+
 constexpr int kRowsInBatch = 500;
 
 std::string g_tree;
-
-[[noreturn]] void give_up(const std::string& what) {
-    std::fprintf(stderr, "bench: %s\n", what.c_str());
-    std::exit(1);
-}
-
-struct Cost {
-    double wall;
-    double processor;
-};
-
-double processor_seconds() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-template <class Work>
-Cost cost_of(const Work& work) {
-    const auto start = std::chrono::steady_clock::now();
-    const double processor = processor_seconds();
-    work();
-    return {std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(),
-            processor_seconds() - processor};
-}
 
 class TemporaryDirectory {
 public:

@@ -7,10 +7,10 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <ctime>
 #include <string>
 #include <vector>
 
+#include "bench/measure.h"
 #include "engine/src/section_writer.h"
 
 namespace {
@@ -20,9 +20,7 @@ constexpr size_t kTextLength = 450;  // of a picture's item text
 constexpr uid_t kOtherUser = 12345;
 
 double processor_seconds() {
-    timespec now = {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+    return bench::seconds_on(CLOCK_THREAD_CPUTIME_ID);
 }
 
 std::vector<std::string> item_texts() {

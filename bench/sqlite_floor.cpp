@@ -1,8 +1,6 @@
 #include "bench/sqlite_floor.h"
 
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
+#include "bench/measure.h"
 
 namespace bench {
 
@@ -23,8 +21,7 @@ const char* const kColumns =
 
 void must(sqlite3* database, const char* what, int code) {
     if (code != SQLITE_OK) {
-        std::fprintf(stderr, "bench: %s: %s\n", what, sqlite3_errmsg(database));
-        std::exit(1);
+        give_up(std::string(what) + ": " + sqlite3_errmsg(database));
     }
 }
 
@@ -55,7 +52,7 @@ void SqliteFloor::bind(const std::vector<sqlite3_int64>& values) {
 }
 
 double SqliteFloor::run(const std::function<void(const Row&)>& visit) {
-    const auto start = std::chrono::steady_clock::now();
+    const Clock::time_point start = Clock::now();
     m_row_count = 0;
     sqlite3_reset(m_statement);
     while (sqlite3_step(m_statement) == SQLITE_ROW) {
@@ -65,7 +62,7 @@ double SqliteFloor::run(const std::function<void(const Row&)>& visit) {
             visit(m_row);
         }
     }
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return seconds_since(start);
 }
 
 void SqliteFloor::read_row() {

@@ -3,55 +3,32 @@
 // section of 200 is there.
 
 #include <netinet/in.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "bench/measure.h"
 #include "engine/plugins/webdav/webdav_plugin.h"
 #include "tests/fakes/webdav_servers.h"
 
 namespace {
 
+using bench::Clock;
+using bench::give_up;
+using bench::median;
+using bench::seconds_since;
+
 constexpr int kFiles = 10'000;
 constexpr int kRounds = 9;
 constexpr size_t kSection = 200;
 
-using Clock = std::chrono::steady_clock;
-
-double milliseconds_since(Clock::time_point start) {
-    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-/// What this process has used of the processor.
-double processor_milliseconds() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto milliseconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
-    };
-    return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
-}
-
-double least(const std::vector<double>& values) {
+double least(std::vector<double> values) {
     return *std::min_element(values.begin(), values.end());
-}
-
-double median(const std::vector<double>& rounds) {
-    std::vector<double> values = rounds;
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-[[noreturn]] void give_up(const std::string& what) {
-    std::fprintf(stderr, "bench: %s\n", what.c_str());
-    std::exit(1);
 }
 
 /// Times one list, and keeps nothing of it.
@@ -61,17 +38,17 @@ public:
     void add_folder(std::string text) override { add_medium(std::move(text)); }
     void add_medium(std::string) override {
         if (++items_ == kSection) {
-            first_section_ms = milliseconds_since(start_);
+            first_section = seconds_since(start_);
         }
     }
-    void end() override { total_ms = milliseconds_since(start_); }
+    void end() override { total = seconds_since(start_); }
     void fail(std::string reason) override { give_up(reason); }
 
-    bool is_over() const { return total_ms > 0; }
+    bool is_over() const { return total > 0; }
     bool is_complete() const { return items_ == kFiles && announced_ == kFiles; }
 
-    double first_section_ms = 0;
-    double total_ms = 0;
+    double first_section = 0;
+    double total = 0;
 
 private:
     const Clock::time_point start_ = Clock::now();
@@ -129,8 +106,8 @@ int main() {
     for (int round = 0; round <= kRounds; ++round) {
         const Clock::time_point start = Clock::now();
         bytes = fetch_plainly(port);
-        const double floor_ms = milliseconds_since(start);
-        const double before = processor_milliseconds();
+        const double floor = seconds_since(start);
+        const double before = bench::processor_seconds();
         Stopwatch watch;
         const engine::RequestPtr request = session->list({}, watch);
         while (!watch.is_over()) {
@@ -140,17 +117,18 @@ int main() {
             give_up("the list is not complete");
         }
         if (round > 0) {
-            floors.push_back(floor_ms);
-            totals.push_back(watch.total_ms);
-            firsts.push_back(watch.first_section_ms);
-            processor.push_back(processor_milliseconds() - before);
+            floors.push_back(floor);
+            totals.push_back(watch.total);
+            firsts.push_back(watch.first_section);
+            processor.push_back(bench::processor_seconds() - before);
         }
     }
     std::printf("%d entries, %.1f MB, processor time of a list %.0f ms\n", kFiles,
-                static_cast<double>(bytes) / 1e6, median(processor));
+                static_cast<double>(bytes) / 1e6, 1e3 * median(processor));
     for (const auto& [name, choose] : {std::pair("median", &median), {"least", &least}}) {
         std::printf("%-6s  plain client %.0f ms  list %.0f ms (%.2fx)  first section %.0f ms\n", name,
-                    choose(floors), choose(totals), choose(totals) / choose(floors), choose(firsts));
+                    1e3 * choose(floors), 1e3 * choose(totals), choose(totals) / choose(floors),
+                    1e3 * choose(firsts));
     }
     return 0;
 }
