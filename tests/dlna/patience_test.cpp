@@ -28,6 +28,22 @@ TEST_F(PatienceTest, WaitsFiveSecondsForAnAnswer) {
     EXPECT_THAT(found.items, SizeIs(3));
 }
 
+TEST_F(PatienceTest, SaysHowManyChildrenThereMayBeWhereTheServerTakesTooLongToShowTheEnd) {
+    MediaServer server;
+    server.generate("p", "image", 30);
+    nbl_provider_t provider = wait_for();
+    ASSERT_NE(provider, nullptr);
+    server.set("Browse.child-count", "7");
+    server.set("Browse.total", "0");
+    server.set("Browse.delay", "6000");
+    Reply folder;
+    browse_item(provider, "p", folder);
+
+    EXPECT_EQ(folder.wait(), NBL_ERROR_NONE);
+    ASSERT_THAT(folder.items, SizeIs(1));
+    EXPECT_EQ(folder.items[0].number(nbl_item_get_child_count), 1'000'000);
+}
+
 TEST_F(PatienceTest, EndsEverythingThatAServerNeverAnswers) {
     MediaServer server;
     server.generate("p", "image", 3);

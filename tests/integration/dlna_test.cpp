@@ -50,6 +50,21 @@ TEST_F(MediaServerLists, ShowAFolderOfSeveralPagesInTheServersOrder) {
     EXPECT_THAT(list.texts("TITLE"), Each(Not(IsEmpty())));
 }
 
+TEST_F(MediaServerLists, ShowAWholeFolderOfAServerThatSaysNothingTrueOfItsCounts) {
+    server().generate("films", "video", 1250);
+    server().set("Browse.child-count", "7");
+    server().set("Browse.total", "0");
+    ServerList list(kServer, {"CATEGORY-FOLDER", "CONTENT-FOLDER", "films"});
+    ASSERT_EQ(list.wait(kFoldersAndMedia), QRA_EVENT_LIST_SUCCESS);
+    const std::vector<std::string> ids = list.texts("ID_QRA");
+    ASSERT_EQ(ids.size(), 1250u);
+    EXPECT_EQ(ids[200], "films-200");
+    EXPECT_EQ(ids.back(), "films-1249");
+    // The folder with its first child, the search for its end, and the pages with the empty one behind each
+    // end.
+    EXPECT_LE(server().count("Browse"), 2 + 20 + 7 + 1);
+}
+
 TEST_F(MediaServerLists, ShowTheArtistsOfAServerWithTheCountsOfTheirSongs) {
     server().generate("songs", "music", 3);
     for (const auto& [song, artist] :

@@ -96,6 +96,12 @@ void BrowseItemRequest::begin() {
             children_ = std::make_unique<Page>(std::move(page));
             on_part();
         });
+    count_time_.start(kLongestCount, [this] {
+        is_late_ = true;
+        if (end_ != nullptr) {
+            finish_folder(end_->most());
+        }
+    });
 }
 
 void BrowseItemRequest::on_part() {
@@ -111,26 +117,39 @@ void BrowseItemRequest::on_part() {
         return;
     }
     object_->items.resize(1);
-    ItemPtr& item = object_->items.front();
-    if (item->type() == NBL_ITEM_TYPE_FOLDER) {
-        if (children_ == nullptr) {
-            return;
-        }
-        item = with_child_count(*item, child_count());
+    if (object_->items.front()->type() != NBL_ITEM_TYPE_FOLDER) {
+        finish(object_->items, 0, 1);
+    } else if (children_ != nullptr) {
+        count_children();
     }
-    finish(object_->items, 0, 1);
 }
 
-int64_t BrowseItemRequest::child_count() const {
-    const auto said = child_count_of(*object_->items.front());
+void BrowseItemRequest::count_children() {
+    const int64_t said = child_count_of(*object_->items.front()).value_or(0);
+    const int64_t total = children_->total;
     if (children_->error != NBL_ERROR_NONE) {
-        return said.value_or(0);
+        finish_folder(said);
+    } else if (children_->items.empty() || (total > 0 && (said == 0 || said == total))) {
+        finish_folder(total);
+    } else {
+        look_for_end(total > 0 ? total : said);
     }
-    if (children_->total > 0 || children_->items.empty()) {
-        return children_->total;
+}
+
+void BrowseItemRequest::look_for_end(int64_t said) {
+    if (is_late_) {
+        finish_folder(FolderEnd::kMostChildren);
+        return;
     }
-    // There is one child at least, whatever is said.
-    return std::max<int64_t>(said.value_or(1), 1);
+    children_->items.resize(1);
+    end_ = std::make_unique<FolderEnd>(session(), provider(), id_, children_->items, said,
+                                       [this](int64_t count) { finish_folder(count); });
+}
+
+void BrowseItemRequest::finish_folder(int64_t child_count) {
+    ItemPtr& item = object_->items.front();
+    item = with_child_count(*item, child_count);
+    finish(object_->items, 0, 1);
 }
 
 SearchRequest::SearchRequest(nbl_provider_t provider, std::string criteria, int start, int count,

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/nubelink/host/folder_end.h"
 #include "platform/nubelink/host/page_loop.h"
 #include "platform/nubelink/host/request_table.h"
 #include "platform/nubelink/host/service.h"
@@ -70,21 +71,29 @@ private:
 };
 
 /// One object. A folder's children are counted by asking for one of them meanwhile: what servers say in the
-/// folder's own record is missing or wrong more often.
+/// folder's own record is missing or wrong more often. Where that tells no number, or another one than the
+/// record, the folder's end is looked for.
 class BrowseItemRequest : public ItemRequest {
 public:
     BrowseItemRequest(nbl_provider_t provider, std::string id, ItemClient client);
 
 private:
+    /// After that long the number is what there may be at most.
+    static constexpr unsigned kLongestCount = 10'000;
     void begin() override;
     void on_part();
-    int64_t child_count() const;
+    void count_children();
+    void look_for_end(int64_t said);
+    void finish_folder(int64_t child_count);
 
     const std::string id_;
     std::unique_ptr<Page> object_;
     std::unique_ptr<Page> children_;
     std::unique_ptr<PageCall> object_call_;
     std::unique_ptr<PageCall> children_call_;
+    std::unique_ptr<FolderEnd> end_;
+    Timer count_time_;
+    bool is_late_ = false;
 };
 
 /// All that a search finds, page by page.

@@ -125,7 +125,8 @@ void PageLoop::take(Page page) {
     const bool is_new = count == 0 || seen_.insert(fingerprint_of(page.items)).second;
     const int64_t place = range_.start + got_;
     got_ += passed;
-    const bool complete = got_ >= range_.most || (page.total > 0 && range_.start + got_ >= page.total);
+    // A total below what has come already is wrong.
+    const bool complete = got_ >= range_.most || (page.total > 0 && range_.start + got_ == page.total);
     const bool is_last = passed == 0 || !is_new || complete;
     const std::weak_ptr<bool> alive = alive_;
     if (count > 0 && is_new) {

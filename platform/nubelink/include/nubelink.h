@@ -287,7 +287,9 @@ int nbl_provider_browse(nbl_provider_t provider, nbl_item_t item, int start, int
 
 /**
  * Asks for one object. The answer holds one item. A folder's child count is there even if the server leaves
- * it out: the service asks for it then.
+ * it out: the service asks for it then. Where the server does not know it, or says two things, the service
+ * looks for the folder's end. What that does not find out in time, or beyond a million, is counted as a
+ * million: there may be fewer.
  *
  * @return NBL_ERROR_NONE, NBL_ERROR_INVALID_PARAMETER, NBL_ERROR_NOT_CONNECTED
  */

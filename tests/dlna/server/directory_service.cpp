@@ -314,7 +314,7 @@ std::string DirectoryService::page_didl(const std::string& name, const std::vect
         return "<DIDL-Lite/>";
     }
     const bool one_id = faults_.is_on(name, "duplicate-ids");
-    const bool childless = faults_.is_on(name, "childless");
+    const auto child_count = faults_.take_number(name, "child-count");
     const auto bad_bytes = faults_.take_number(name, "not-utf8");
     const bool invented = faults_.is_on(name, "invent");
     const auto fat = faults_.take_number(name, "fat");
@@ -329,8 +329,8 @@ std::string DirectoryService::page_didl(const std::string& name, const std::vect
         if (one_id) {
             object.id = objects[0]->id;
         }
-        if (childless) {
-            object.children.clear();
+        if (child_count) {
+            object.children.resize(static_cast<std::size_t>(*child_count));
         }
         if (bad_bytes == static_cast<int>(i)) {
             object.title = "caf\xE9 au lait";

@@ -27,7 +27,7 @@
  *   at-most N        fewer items than asked for       none-from N     nothing from that index on
  *   total N          tells that total                 grow N, shrink N   the total changes with each answer
  *   same-page        the first page always            duplicate-ids   all items of a page have one id
- *   childless        tells of folders that they are empty
+ *   child-count N    tells of each folder that it has so many
  *   invent N         as many objects as that: the true ones again and again, each with an id of its own
  *   fat N            titles that are longer by N letters    padded N   N blanks in each answer
  *   broken-didl, empty-didl, no-didl, not-utf8
