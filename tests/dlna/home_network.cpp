@@ -177,6 +177,9 @@ void HomeNetworkTest::TearDown() {
 void HomeNetworkTest::on_state(nbl_serviceprovider_t provider, int state, void* self) {
     auto* test = static_cast<HomeNetworkTest*>(self);
     test->signal_.change([&] {
+        if (!test->loop.is_watching()) {
+            test->loop.watch();
+        }
         test->service = provider;
         test->state_ = state;
     });

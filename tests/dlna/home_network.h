@@ -10,6 +10,7 @@
 
 #include "nubelink.h"
 #include "tests/fakes/awaited_signal.h"
+#include "tests/fakes/loop_sources.h"
 #include "tests/fakes/temp_dir.h"
 
 /// Looks again and again whether it holds, where nobody tells; false after a long time.
@@ -142,6 +143,7 @@ protected:
     TempDir directory;
     nbl_serviceprovider_t service = nullptr;
     nbl_devicefinder_t finder = nullptr;
+    LoopSources loop;  ///< the service's
 
 private:
     /// With the signal's lock held.

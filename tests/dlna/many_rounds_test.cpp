@@ -1,17 +1,14 @@
-// Requests, transfers, cancels and ends of the service in every phase, hundreds of times.
+// Requests, transfers, cancels and ends of the service in every phase, a thousand times.
 #include "tests/dlna/rounds.h"
 
 namespace {
 
 using ManyRoundsTest = RoundsTest;
 
-// Each twice; after a leave the server has to be found anew, which takes its time.
-constexpr int kCancels = 250;
-constexpr int kLeaves = 25;
-
 TEST_F(ManyRoundsTest, LeaveNothingOpen) {
     start();
-    expect_nothing_left(kCancels, kLeaves);
+    // After a leave or a loss the server has to be found anew, which takes its time.
+    expect_nothing_left({24, 4, 4}, {950, 25, 25});
 }
 
 }  // namespace

@@ -114,21 +114,30 @@ struct RoundsTest : HomeNetworkTest {
         EXPECT_EQ(reply.wait(), NBL_ERROR_NONE);
         EXPECT_THAT(reply.items, testing::SizeIs(20));
     }
-    /// Rounds of all kinds, and the same again: the second half may leave nothing more than the first one.
-    void expect_nothing_left(int cancels, int leaves) {
-        cancel_rounds(0, cancels);
-        leave_rounds(0, leaves);
+    /// How many rounds end in each way.
+    struct Rounds {
+        int cancels;
+        int leaves;
+        int losses;
+    };
+    /// `first` fill what is filled once, a pool or a cache; `more` may leave nothing at all.
+    void expect_nothing_left(const Rounds& first, const Rounds& more) {
+        run({0, 0, 0}, first);
         disconnect();
-        const ProcessResources before;
+        const ProcessResources before(loop);
         connect();
         ASSERT_EQ(wait_for(), provider);
-        cancel_rounds(cancels, cancels);
-        leave_rounds(leaves, leaves);
+        run(first, more);
         disconnect();
-        EXPECT_TRUE(settles_at(before)) << ProcessResources() << "; at first " << before;
+        EXPECT_TRUE(settles_at(before, loop)) << ProcessResources(loop) << "; at first " << before;
         connect();
         ASSERT_EQ(wait_for(), provider);
         expect_a_working_service();
+    }
+    void run(const Rounds& from, const Rounds& count) {
+        cancel_rounds(from.cancels, count.cancels);
+        leave_rounds(from.leaves, count.leaves);
+        lose_rounds(from.losses, count.losses);
     }
 
     std::unique_ptr<MediaServer> server;

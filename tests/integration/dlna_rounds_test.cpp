@@ -63,8 +63,8 @@ protected:
     }
     void end(ServerList& list, int number) {
         // Finding the server anew takes its time: fewer rounds end so.
-        const int how = number / kOfOneEnd % 10;
-        if (how == 9 && number % 2 == 0) {
+        const int how = number / kOfOneEnd % 20;
+        if (how == 19 && number % 2 == 0) {
             leave(list);
             return;
         }
@@ -127,12 +127,12 @@ private:
 };
 
 TEST_F(ServerListRounds, LeaveNothingBehind) {
-    constexpr int kRounds = 500;
-    for (int i = 225; i < 275 && !HasFatalFailure(); ++i) {
+    constexpr int kRounds = 1000;
+    for (int i = 475; i < 525 && !HasFatalFailure(); ++i) {
         round(i);  // Of those that leave, and of others.
     }
     disconnect();
-    const ProcessResources before;
+    const ProcessResources before(loop_);
     connect();
     ASSERT_TRUE(wait_for_server(kServer));
     for (int i = 0; i < kRounds && !HasFatalFailure(); ++i) {
@@ -141,7 +141,7 @@ TEST_F(ServerListRounds, LeaveNothingBehind) {
     }
     expect_a_whole_list();
     disconnect();
-    EXPECT_TRUE(settles_at(before)) << ProcessResources() << "; at first " << before;
+    EXPECT_TRUE(settles_at(before, loop_)) << ProcessResources(loop_) << "; at first " << before;
     connect();
 }
 

@@ -122,7 +122,12 @@ std::string HomeNetworkClient::wait_for_any_server() {
 
 void HomeNetworkClient::on_state(qra_nbl_serviceconnector_state_e state, void* self) {
     auto* test = static_cast<HomeNetworkClient*>(self);
-    test->told_.change([&] { test->state_ = state; });
+    test->told_.change([&] {
+        if (!test->loop_.is_watching()) {
+            test->loop_.watch();
+        }
+        test->state_ = state;
+    });
 }
 
 void HomeNetworkClient::on_server(void* self, int event, qra_storage_h storage) {

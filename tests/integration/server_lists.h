@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/fakes/awaited_signal.h"
+#include "tests/fakes/loop_sources.h"
 
 // What pages of lists show.
 constexpr int kFoldersAndMedia = 0x06;
@@ -74,6 +75,8 @@ protected:
     bool wait_for_server(const std::string& id);
     /// The id of the first server that comes; empty if none does.
     std::string wait_for_any_server();
+
+    LoopSources loop_;  ///< of the home network service
 
 private:
     static void on_state(qra_nbl_serviceconnector_state_e state, void* self);
