@@ -96,6 +96,8 @@ qra_error_code_e CQRAWebAgent::m_RequestAct(CQRAAgentHandle* pHandle, Param* pPa
         LogWrongIndex(pParam, nIndex);
         return QRA_ERROR_INVALID_PARAM;
     }
+    if (m_IsNull(pHandle->GetResultPool(), "pHandle->GetResultPool()"))
+        return QRA_ERROR_INVALID_HANDLE;
     const std::string strRequestId = m_PushActData(pHandle, pUserData, cb);
     std::string strText = m_GetItemText(pHandle, nIndex);
     if (!ActToJson(pParam, strText, strRequestId))

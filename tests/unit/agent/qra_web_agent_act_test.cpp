@@ -156,6 +156,18 @@ TEST_F(CQRAWebAgentAct, WithoutAPageNoIndexIsValid) {
     EXPECT_EQ(like(0), QRA_ERROR_INVALID_HANDLE);
 }
 
+TEST_F(CQRAWebAgentAct, WithoutTheListsItemsNothingIsSent) {
+    handle_->DestroyResultPool();
+
+    EXPECT_EQ(comment(0), QRA_ERROR_INVALID_HANDLE);
+    EXPECT_EQ(like(0), QRA_ERROR_INVALID_HANDLE);
+
+    EXPECT_EQ(log_.count("pHandle->GetResultPool() == NULL"), 2);
+    ASSERT_EQ(request_detail(), QRA_ERROR_NONE);
+    calls_of("request_detail", 1);  // what was sent before it has arrived
+    EXPECT_TRUE(calls_of("request_act", 0).empty());
+}
+
 TEST_F(CQRAWebAgentAct, AnItemThatHasNotArrivedIsNotReplacedByAnother) {
     ASSERT_EQ(qra_move_to_index_v2(handle_, 0), QRA_ERROR_NONE);
 
