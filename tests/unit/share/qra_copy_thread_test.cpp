@@ -34,6 +34,14 @@ protected:
         return select(stem + ".srf", "stream of " + stem, QRA_MEDIA_TYPE_PVR);
     }
     std::string copy_of(const std::string& name) const { return dir_.read("dest/" + name); }
+    /// Its files are "ptp://1;2;12/" and a number.
+    static void plug_in_camera() {
+        FakeMtp::Device camera;
+        camera.handle = 12;
+        camera.bus = 1;
+        camera.number = 2;
+        FakeMtp::instance().devices = {camera};
+    }
 };
 
 }  // namespace
@@ -313,11 +321,7 @@ TEST_F(CopyJob, FailsToOpenAFileOfACamera) {
 }
 
 TEST_F(CopyJob, OpensAFileOfACameraAndFailsAtItsFirstRead) {
-    FakeMtp::Device camera;
-    camera.handle = 12;
-    camera.bus = 1;
-    camera.number = 2;
-    FakeMtp::instance().devices = {camera};
+    plug_in_camera();
     select("a.mp4", "x", QRA_MEDIA_TYPE_VIDEO);
     script_.items.back().texts["FILE_PATH"] = "ptp://1;2;12/5";
     select("b.jpg", "y");
@@ -332,6 +336,23 @@ TEST_F(CopyJob, OpensAFileOfACameraAndFailsAtItsFirstRead) {
         EXPECT_TRUE(left.is_directory()) << left.path();
     }
     EXPECT_EQ(FakeMtp::instance().bytes(), 0U);
+}
+
+TEST_F(CopyJob, LooksForCompanionsOfAVideoOfACameraAndOfNothingElseThere) {
+    plug_in_camera();
+    select("empty.mp4", "", QRA_MEDIA_TYPE_VIDEO);
+    script_.items.back().texts["FILE_PATH"] = "ptp://1;2;12/5";
+    select("empty.jpg", "");
+    script_.items.back().texts["FILE_PATH"] = "ptp://1;2;12/6";
+    param_.source_dev_type = QRA_DEV_TYPE_PTP;
+    run_copy();
+    EXPECT_EQ(client_.count(QRA_EVENT_BATCH_FILE_DONE), 2);
+    for (const char* extension : {"smi", "srt", "ttxt"}) {
+        EXPECT_EQ(log_.count(std::string("File[ptp://1;2;12/5.") + extension + "] not exist."), 1);
+    }
+    EXPECT_FALSE(log_.contains("File[ptp://1;2;12/6"));
+    EXPECT_EQ(copied("VIDEO"), Names{"empty.mp4"});
+    EXPECT_EQ(copied("PHOTO"), Names{"empty.jpg"});
 }
 
 TEST_F(CopyJob, ASourceThatHasGrownIsCopiedToTheEndOfItsBlock) {
