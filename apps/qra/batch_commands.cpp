@@ -180,15 +180,15 @@ private:
     std::optional<std::size_t> failed_;
 };
 
-std::string copy_refusal(const JobItem& item, const std::string& directory, const TargetLimits& limits) {
+std::string copy_refusal(const JobItem& item, const std::string& directory, const TargetLimits& limits,
+                         PlannedCopies& planned) {
     for (const std::string& reason :
-         {target_refusal(item, directory), source_refusal(item), limit_refusal(item, limits),
-          collision_refusal(item, directory, limits)}) {
+         {target_refusal(item, directory), source_refusal(item), limit_refusal(item, limits)}) {
         if (!reason.empty()) {
             return reason;
         }
     }
-    return "";
+    return planned.add(item);
 }
 
 void check_space(const Plan& plan, const std::string& directory, const TargetLimits& limits) {
@@ -213,7 +213,10 @@ void run_copy(const CommandLine& line) {
     const TargetLimits limits = target_limits(directory);
     Browsing browsing(line);
     JobOutput output(line.json, "copied");
-    const Reason refusal = [&](const JobItem& item) { return copy_refusal(item, directory, limits); };
+    PlannedCopies planned(directory, limits);
+    const Reason refusal = [&](const JobItem& item) {
+        return copy_refusal(item, directory, limits, planned);
+    };
     const Plan plan = make_plan(browsing.request(), line, refusal, output);
     check_space(plan, directory, limits);
     if (line.job.dry_run) {

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <system_error>
 
@@ -27,6 +28,7 @@ constexpr std::uint64_t kLargestFileOfFat = 0xFFFFFFFF;
 constexpr std::size_t kLongestWindowsName = 255;
 constexpr std::string_view kNoWindowsSigns = "\"*/:<>?\\|";
 constexpr int kNumberedNames = 99;
+constexpr int kFoldersOfAKind = 10;
 
 struct FileSystem {
     std::string_view type;
@@ -87,12 +89,39 @@ std::string directory_of(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
 }
 
-/// The directory that a copy goes to, or in which its folder would be made.
-std::string place_of_copy(const JobItem& item, const std::string& directory) {
-    const char* folder = copy_folder(item.media_type);
-    const std::string place = directory + "/" + (folder != nullptr ? folder : "");
+std::string three_digits(int number) {
+    std::array<char, 16> text;
+    std::snprintf(text.data(), text.size(), "%03d", number);
+    return text.data();
+}
+
+bool is_directory(const std::string& path) {
     struct stat status {};
-    return stat(place.c_str(), &status) == 0 && S_ISDIR(status.st_mode) ? place : directory;
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool is_there(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0;
+}
+
+/// The folder that a copy goes to: the first of its kind that is there or can be made; empty for none.
+std::string folder_of_copy(const Kind& kind, const std::string& directory) {
+    for (int number = 0; number < kFoldersOfAKind; ++number) {
+        const std::string folder =
+            directory + "/" + kind.copy_folder + (number > 0 ? three_digits(number) : "");
+        if (is_directory(folder) || (!is_there(folder) && may_write_into(directory))) {
+            return folder;
+        }
+    }
+    return "";
+}
+
+/// The folder that a copy goes to, or the directory in which it would be made.
+std::string place_of_copy(const JobItem& item, const std::string& directory) {
+    const Kind* kind = kind_of(item.media_type);
+    const std::string folder = kind != nullptr ? folder_of_copy(*kind, directory) : "";
+    return is_directory(folder) ? folder : directory;
 }
 
 bool is_too_full(const std::string& directory, std::uint64_t bytes) {
@@ -102,49 +131,11 @@ bool is_too_full(const std::string& directory, std::uint64_t bytes) {
             (status.f_files > 0 && status.f_favail == 0));
 }
 
-/// A copy of a file without an extension gets one.
+/// A copy bears the last component of an item's name, and an extension if that has none.
 std::string name_of_copy(const std::string& name) {
-    const std::size_t dot = name.rfind('.');
-    return dot == std::string::npos || dot + 1 == name.size() ? name + ".jpg" : name;
-}
-
-bool is_there(const std::string& path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0;
-}
-
-/// Where a copy would lie in a folder: under a numbered name where its own is taken; empty where all are
-/// taken.
-std::string path_of_copy(const JobItem& item, const std::string& folder) {
-    const std::string path = folder + "/" + name_of_copy(item.name);
-    if (!is_there(path)) {
-        return path;
-    }
-    const std::string stem = stem_of(path);
-    for (int n = 1; n <= kNumberedNames; ++n) {
-        std::array<char, 16> number;
-        std::snprintf(number.data(), number.size(), "_%03d", n);
-        const std::string numbered = stem + number.data() + path.substr(stem.size());
-        if (!is_there(numbered)) {
-            return numbered;
-        }
-    }
-    return "";
-}
-
-/// A job passes over a recording in progress, or ends at it; and it ends at one that nobody knows.
-std::string recording_refusal(const JobItem& item) {
-    if (item.media_type != QRA_MEDIA_TYPE_PVR) {
-        return "";
-    }
-    pvr_file_info_s info{};
-    if (svc_pvr_get_pvr_file_info(item.path.c_str(), &info) != SVC_PVR_ERROR_NONE) {
-        return "is a recording without an info file that can be read";
-    }
-    for (char* text : {info.channel_name, info.channel_num, info.synopsis, info.genre}) {
-        std::free(text);
-    }
-    return info.finished ? "" : "is still being recorded";
+    const std::string last = name.substr(name.find_last_of("/\\") + 1);
+    const std::size_t dot = last.rfind('.');
+    return dot == std::string::npos || dot + 1 == last.size() ? last + ".jpg" : last;
 }
 
 std::uint64_t in_blocks(std::uint64_t bytes, std::uint64_t block) {
@@ -168,6 +159,46 @@ std::string windows_name_refusal(const std::string& name) {
     return static_cast<std::size_t>(units) > kLongestWindowsName
                ? "has a name that is too long for the target"
                : "";
+}
+
+std::string name_refusal(const std::string& name, const TargetLimits& limits) {
+    if (limits.longest_name != 0 && name.size() > limits.longest_name) {
+        return "has a name that is too long for the target";
+    }
+    return limits.windows_names ? windows_name_refusal(name) : "";
+}
+
+/// The name of a copy where `is_taken` tells which paths in its folder are: its own, or a numbered one;
+/// nothing where all are taken.
+template <class IsTaken>
+std::optional<std::string> free_name(const std::string& folder, const std::string& name,
+                                     const IsTaken& is_taken) {
+    if (!is_taken(folder + "/" + name)) {
+        return name;
+    }
+    const std::string stem = stem_of(name);
+    for (int number = 1; number <= kNumberedNames && !stem.empty(); ++number) {
+        std::string numbered = stem + "_" + three_digits(number) + name.substr(stem.size());
+        if (!is_taken(folder + "/" + numbered)) {
+            return numbered;
+        }
+    }
+    return std::nullopt;
+}
+
+/// A job passes over a recording in progress, or ends at it; and it ends at one that nobody knows.
+std::string recording_refusal(const JobItem& item) {
+    if (item.media_type != QRA_MEDIA_TYPE_PVR) {
+        return "";
+    }
+    pvr_file_info_s info{};
+    if (svc_pvr_get_pvr_file_info(item.path.c_str(), &info) != SVC_PVR_ERROR_NONE) {
+        return "is a recording without an info file that can be read";
+    }
+    for (char* text : {info.channel_name, info.channel_num, info.synopsis, info.genre}) {
+        std::free(text);
+    }
+    return info.finished ? "" : "is still being recorded";
 }
 
 }  // namespace
@@ -241,49 +272,72 @@ std::string limit_refusal(const JobItem& item, const TargetLimits& limits) {
     if (limits.largest_file != 0 && item.size > limits.largest_file) {
         return "is too large: " + limits.file_system + " holds files of less than 4 GiB";
     }
-    const std::string name = name_of_copy(item.name);
-    if (limits.longest_name != 0 && name.size() > limits.longest_name) {
-        return "has a name that is too long for the target";
-    }
-    return limits.windows_names ? windows_name_refusal(name) : "";
+    return name_refusal(name_of_copy(item.name), limits);
 }
 
 std::string target_refusal(const JobItem& item, const std::string& directory) {
-    if (copy_folder(item.media_type) == nullptr) {
+    const Kind* kind = kind_of(item.media_type);
+    if (kind == nullptr) {
         return "is of a kind that cannot be copied";
     }
     const std::string place = place_of_copy(item, directory);
     if (may_write_into(place)) {
-        return "";
+        return !folder_of_copy(*kind, directory).empty()
+                   ? ""
+                   : std::string("cannot be copied: other files bear the names ") + kind->copy_folder + ", " +
+                         kind->copy_folder + three_digits(1) + " and so on";
     }
     return "cannot be written to " + printable_text(place) + ": " + error_text(errno);
 }
 
-std::string collision_refusal(const JobItem& item, const std::string& directory, const TargetLimits& limits) {
+std::string PlannedCopies::add(const JobItem& item) {
     const Kind* kind = kind_of(item.media_type);
     if (kind == nullptr) {
         return "";
     }
-    const std::string path = path_of_copy(item, directory + "/" + kind->copy_folder);
-    if (path.empty()) {
+    const std::string folder = folder_of_copy(*kind, directory_);
+    const auto name = free_name(folder, name_of_copy(item.name), [this](const std::string& path) {
+        return is_there(path) || sources_.count(key(path)) > 0;
+    });
+    if (!name) {
         return "has a name that is taken on the target, with all numbers";
     }
-    if (limits.longest_name != 0 && path.size() - path.rfind('/') - 1 > limits.longest_name) {
+    if (!name_refusal(*name, limits_).empty()) {
         return "has a name that is taken on the target, and too long for a number";
     }
+    const std::string path = folder + "/" + *name;
+    std::map<std::string, std::string> taken = {{key(path), item.path}};
     for (const char* extension : kind->companions) {
+        const std::string source = stem_of(item.path) + extension;
         const std::string companion = stem_of(path) + extension;
-        if (is_there(stem_of(item.path) + extension) && is_there(companion)) {
+        if (!is_there(source)) {
+            continue;
+        }
+        const auto planned = sources_.find(key(companion));
+        if (is_there(companion) || (planned != sources_.end() && planned->second != source)) {
             return "has a companion that would replace " + printable_text(companion);
         }
+        taken.emplace(key(companion), source);
     }
+    sources_.merge(taken);
     return "";
+}
+
+std::string PlannedCopies::key(const std::string& path) const {
+    if (!limits_.windows_names || g_utf8_validate(path.c_str(), -1, nullptr) == FALSE) {
+        return path;
+    }
+    const std::unique_ptr<gchar, decltype(&g_free)> folded(g_utf8_casefold(path.c_str(), -1), &g_free);
+    return folded.get();
 }
 
 std::string removal_refusal(const JobItem& item) {
     struct stat file {};
     if (lstat(item.path.c_str(), &file) != 0) {
         return "cannot be found: " + error_text(errno);
+    }
+    if (S_ISLNK(file.st_mode) && !is_there(item.path)) {
+        return "is a link to a file that is not there";
     }
     const std::string directory = directory_of(item.path);
     if (!may_write_into(directory)) {

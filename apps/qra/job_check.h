@@ -5,7 +5,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "apps/qra/job_item.h"
@@ -43,9 +45,25 @@ std::string limit_refusal(const JobItem& item, const TargetLimits& limits);
 /// Why nothing can be written where a copy would put a file.
 std::string target_refusal(const JobItem& item, const std::string& directory);
 
-/// Why a copy has no place beside what is there already: no name is left for it, or a companion, which is not
-/// given a name of its own, would replace a file.
-std::string collision_refusal(const JobItem& item, const std::string& directory, const TargetLimits& limits);
+/// The copies of a job that is being planned, each beside those before it and what is on the target.
+class PlannedCopies {
+public:
+    /// `limits` stay the caller's.
+    PlannedCopies(std::string directory, const TargetLimits& limits)
+        : directory_(std::move(directory)), limits_(limits) {}
+
+    /// Adds a copy; or says why it has no place: no name is left for it, or a companion, which is not given a
+    /// name of its own, would replace a file.
+    std::string add(const JobItem& item);
+
+private:
+    /// A path as the target tells it from others.
+    std::string key(const std::string& path) const;
+
+    const std::string directory_;
+    const TargetLimits& limits_;
+    std::map<std::string, std::string> sources_;  ///< of each file to come, by the key of its path
+};
 
 /// Why a file cannot be removed, or is a recording that a job does not delete.
 std::string removal_refusal(const JobItem& item);

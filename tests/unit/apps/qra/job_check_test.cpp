@@ -54,6 +54,11 @@ protected:
         return item;
     }
 
+    /// Why an item has no place as the only one of a job.
+    std::string place_refusal(const JobItem& item, const TargetLimits& limits = TargetLimits()) {
+        return PlannedCopies(directory_.path(), limits).add(item);
+    }
+
     TempDir directory_;
 };
 
@@ -141,21 +146,21 @@ TEST_F(JobCheck, CompanionReplacesNoFile) {
     JobItem film = item("film.mkv");
     film.media_type = QRA_MEDIA_TYPE_VIDEO;
     directory_.write("film.srt", "subtitles of film.mkv");
-    EXPECT_EQ(collision_refusal(film, directory_.path(), TargetLimits()), "");
+    EXPECT_EQ(place_refusal(film), "");
 
     std::filesystem::create_directory(directory_.path("VIDEO"));
     directory_.write("VIDEO/film.avi", "another film");
-    EXPECT_EQ(collision_refusal(film, directory_.path(), TargetLimits()), "");
+    EXPECT_EQ(place_refusal(film), "");
     directory_.write("VIDEO/film.srt", "subtitles of film.avi");
-    EXPECT_THAT(collision_refusal(film, directory_.path(), TargetLimits()), HasSubstr("VIDEO/film.srt"));
+    EXPECT_THAT(place_refusal(film), HasSubstr("VIDEO/film.srt"));
 
     directory_.write("VIDEO/film.mkv", "the copy will be numbered");
-    EXPECT_EQ(collision_refusal(film, directory_.path(), TargetLimits()), "");
+    EXPECT_EQ(place_refusal(film), "");
     directory_.write("VIDEO/film_001.srt", "of nothing");
-    EXPECT_THAT(collision_refusal(film, directory_.path(), TargetLimits()), HasSubstr("VIDEO/film_001.srt"));
+    EXPECT_THAT(place_refusal(film), HasSubstr("VIDEO/film_001.srt"));
 
     film.media_type = QRA_MEDIA_TYPE_IMAGE;
-    EXPECT_EQ(collision_refusal(film, directory_.path(), TargetLimits()), "");
+    EXPECT_EQ(place_refusal(film), "");
 }
 
 TEST_F(JobCheck, NameThatIsTakenWithAllItsNumbersIsRefused) {
@@ -165,9 +170,9 @@ TEST_F(JobCheck, NameThatIsTakenWithAllItsNumbersIsRefused) {
     for (int n = 1; n <= 98; ++n) {
         directory_.write("PHOTO/a_0" + std::string(n < 10 ? "0" : "") + std::to_string(n) + ".jpg", "");
     }
-    EXPECT_EQ(collision_refusal(picture, directory_.path(), TargetLimits()), "");
+    EXPECT_EQ(place_refusal(picture), "");
     directory_.write("PHOTO/a_099.jpg", "");
-    EXPECT_THAT(collision_refusal(picture, directory_.path(), TargetLimits()), HasSubstr("all numbers"));
+    EXPECT_THAT(place_refusal(picture), HasSubstr("all numbers"));
 }
 
 TEST_F(JobCheck, NameThatIsTakenAndTooLongForANumberIsRefused) {
@@ -175,13 +180,79 @@ TEST_F(JobCheck, NameThatIsTakenAndTooLongForANumberIsRefused) {
     TargetLimits limits;
     limits.longest_name = 255;
     const JobItem longest = item_named(std::string(251, 'x') + ".jpg");
-    EXPECT_EQ(collision_refusal(longest, directory_.path(), limits), "");
+    EXPECT_EQ(place_refusal(longest, limits), "");
     directory_.write("PHOTO/" + longest.name, "");
-    EXPECT_THAT(collision_refusal(longest, directory_.path(), limits), HasSubstr("too long for a number"));
+    EXPECT_THAT(place_refusal(longest, limits), HasSubstr("too long for a number"));
 
     const JobItem shorter = item_named(std::string(247, 'x') + ".jpg");
     directory_.write("PHOTO/" + shorter.name, "");
-    EXPECT_EQ(collision_refusal(shorter, directory_.path(), limits), "");
+    EXPECT_EQ(place_refusal(shorter, limits), "");
+}
+
+TEST_F(JobCheck, CopiesOfOneJobTakeNamesFromEachOther) {
+    const TargetLimits limits;
+    PlannedCopies planned(directory_.path(), limits);
+    for (int n = 0; n < 100; ++n) {
+        ASSERT_EQ(planned.add(item_named("a.jpg")), "") << n;
+    }
+    EXPECT_THAT(planned.add(item_named("a.jpg")), HasSubstr("all numbers"));
+    EXPECT_EQ(planned.add(item_named("b.jpg")), "");
+}
+
+TEST_F(JobCheck, CompanionsOfOneJobDoNotReplaceEachOther) {
+    const auto film = [this](const std::string& name) {
+        JobItem result = item(name);
+        result.media_type = QRA_MEDIA_TYPE_VIDEO;
+        result.name = name.substr(name.rfind('/') + 1);
+        return result;
+    };
+    for (const char* folder : {"one", "other"}) {
+        std::filesystem::create_directory(directory_.path(folder));
+        directory_.write(std::string(folder) + "/film.srt", "subtitles");
+    }
+    const TargetLimits limits;
+    PlannedCopies planned(directory_.path(), limits);
+    EXPECT_EQ(planned.add(film("one/film.avi")), "");
+    EXPECT_EQ(planned.add(film("one/film.mkv")), "") << "the same subtitles";
+    EXPECT_THAT(planned.add(film("other/film.mp4")), HasSubstr("VIDEO/film.srt"));
+    EXPECT_EQ(planned.add(film("other/film.avi")), "") << "film_001.avi and film_001.srt";
+
+    const TargetLimits windows = fat();
+    PlannedCopies of_windows(directory_.path(), windows);
+    directory_.write("other/Film.srt", "subtitles");
+    EXPECT_EQ(of_windows.add(film("one/film.avi")), "");
+    EXPECT_THAT(of_windows.add(film("other/Film.mkv")), HasSubstr("VIDEO/Film.srt"));
+}
+
+TEST_F(JobCheck, CopyBearsTheLastComponentOfAName) {
+    std::filesystem::create_directory(directory_.path("PHOTO"));
+    const JobItem picture = item_named("folder\\a.jpg");
+    for (int n = 1; n <= 99; ++n) {
+        directory_.write("PHOTO/a_0" + std::string(n < 10 ? "0" : "") + std::to_string(n) + ".jpg", "");
+    }
+    EXPECT_EQ(place_refusal(picture), "");
+    directory_.write("PHOTO/a.jpg", "");
+    EXPECT_THAT(place_refusal(picture), HasSubstr("all numbers"));
+}
+
+TEST_F(JobCheck, CopyGoesToTheNextFolderWhereAFileHasTheName) {
+    directory_.write("PHOTO", "no folder");
+    std::filesystem::create_directory(directory_.path("PHOTO001"));
+    const std::string longest = std::string(251, 'x') + ".jpg";
+    directory_.write("PHOTO001/" + longest, "");
+    TargetLimits limits;
+    limits.longest_name = 255;
+    EXPECT_EQ(target_refusal(item_named("a.jpg"), directory_.path()), "");
+    EXPECT_THAT(place_refusal(item_named(longest), limits), HasSubstr("too long for a number"));
+}
+
+TEST_F(JobCheck, TargetWithoutAFolderOfTheKindIsRefused) {
+    directory_.write("MUSIC", "no folder");
+    for (int n = 0; n < 10; ++n) {
+        EXPECT_EQ(target_refusal(item_named("a.jpg"), directory_.path()), "") << n;
+        directory_.write(n == 0 ? "PHOTO" : "PHOTO00" + std::to_string(n), "no folder");
+    }
+    EXPECT_THAT(target_refusal(item_named("a.jpg"), directory_.path()), HasSubstr("PHOTO, PHOTO001"));
 }
 
 TEST_F(JobCheck, FatHoldsNoFileOfFourGibibytes) {
@@ -191,12 +262,13 @@ TEST_F(JobCheck, FatHoldsNoFileOfFourGibibytes) {
 }
 
 TEST_F(JobCheck, WindowsFileSystemsForbidSigns) {
-    for (const char* name : {"a?.jpg", "a:b.jpg", "a*.jpg", "a\"b.jpg", "<a>.jpg", "a|b.jpg", "a\\b.jpg",
-                             "a\nb.jpg", "a.jpg ", "\xff.jpg"}) {
+    for (const char* name : {"a?.jpg", "a:b.jpg", "a*.jpg", "a\"b.jpg", "<a>.jpg", "a|b.jpg", "a\nb.jpg",
+                             "a.jpg ", "\xff.jpg"}) {
         EXPECT_THAT(limit_refusal(item_named(name), fat()), HasSubstr("target cannot hold")) << name;
         EXPECT_EQ(limit_refusal(item_named(name), TargetLimits()), "") << name;
     }
-    for (const char* name : {"a.jpg", "Été (1) & more; #2.jpg", "한국어.jpg", ".hidden", "a b.jpg"}) {
+    for (const char* name :
+         {"a.jpg", "Été (1) & more; #2.jpg", "한국어.jpg", ".hidden", "a b.jpg", "a\\b.jpg"}) {
         EXPECT_EQ(limit_refusal(item_named(name), fat()), "") << name;
     }
 }
@@ -253,6 +325,15 @@ TEST_F(JobCheck, LimitsAreThoseOfTheFileSystem) {
 TEST_F(JobCheck, FileThatIsThereCanBeRemoved) {
     EXPECT_EQ(removal_refusal(item("a.jpg")), "");
     EXPECT_THAT(removal_refusal(item_named("b.jpg")), HasSubstr("cannot be found"));
+}
+
+TEST_F(JobCheck, LinkIsRemovedAsLongAsItsFileIsThere) {
+    JobItem link = item_named("link.jpg");
+    link.path = directory_.path("link.jpg");
+    std::filesystem::create_symlink("a.jpg", link.path);
+    EXPECT_THAT(removal_refusal(link), HasSubstr("link to a file that is not there"));
+    directory_.write("a.jpg", "content");
+    EXPECT_EQ(removal_refusal(link), "");
 }
 
 TEST_F(JobCheck, FailureIsExplainedByWhatCanBeSeen) {
