@@ -13,6 +13,7 @@
 #include "apps/qra/command_line.h"
 #include "apps/qra/commands.h"
 #include "apps/qra/confirmation.h"
+#include "apps/qra/directory_path.h"
 #include "apps/qra/interrupt.h"
 #include "apps/qra/job_check.h"
 #include "apps/qra/job_output.h"

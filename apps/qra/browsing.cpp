@@ -1,6 +1,7 @@
 #include "apps/qra/browsing.h"
 
 #include "apps/qra/command_line.h"
+#include "apps/qra/directory_path.h"
 #include "apps/qra/media_path.h"
 
 Browsing::Browsing(const CommandLine& line) : path_(prepare(line)), request_(line.list, path_) {}
@@ -22,7 +23,7 @@ std::string Browsing::prepare(const CommandLine& line) {
 // A view of folders shows what is in the folder; any other view shows its whole drive.
 std::string Browsing::prepare_drive(const CommandLine& line) {
     MediaDrives& drives = drives_.emplace();
-    std::string path = media_path(drives, line.path);
+    std::string path = media_path(drives, readable_directory(line.path));
     if (line.scan_first) {
         const bool of_folder = line.list.sort_category.find("FOLDER") != std::string::npos;
         drives.scan(of_folder ? path : drives.drive_of(path).link_path, !of_folder);

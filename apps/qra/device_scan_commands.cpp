@@ -12,6 +12,7 @@
 #include "apps/qra/answer_queue.h"
 #include "apps/qra/command_line.h"
 #include "apps/qra/commands.h"
+#include "apps/qra/directory_path.h"
 #include "apps/qra/engine_access.h"
 #include "apps/qra/main_loop_thread.h"
 #include "apps/qra/media_drives.h"
@@ -25,7 +26,7 @@ namespace {
 /// Where a folder stands below the media root.
 std::string find_media_path(const std::string& path) {
     MediaDrives drives;
-    return media_path(drives, path);
+    return media_path(drives, readable_directory(path));
 }
 
 struct CheckResult {

@@ -3,6 +3,7 @@
 
 #include "apps/qra/command_line.h"
 #include "apps/qra/commands.h"
+#include "apps/qra/directory_path.h"
 #include "apps/qra/media_drives.h"
 #include "apps/qra/media_path.h"
 #include "apps/qra/output.h"
@@ -31,7 +32,7 @@ const char* state_of(const Drive& drive) {
 
 void run_attach(const CommandLine& line) {
     MediaDrives drives;
-    const std::string path = drives.attach(existing_directory(line.path), line.drive_name);
+    const std::string path = drives.attach(readable_directory(line.path), line.drive_name);
     print(drives.drive_of(path).name + "\n");
 }
 
@@ -57,7 +58,7 @@ void run_storages(const CommandLine&) {
 
 void run_scan(const CommandLine& line) {
     MediaDrives drives;
-    const std::string path = media_path(drives, line.path);
+    const std::string path = media_path(drives, readable_directory(line.path));
     const ScanResult result = drives.scan(path, line.recursive);
     print_note(std::to_string(result.files) + " files: " + std::to_string(result.added) + " new, " +
                std::to_string(result.updated) + " changed, " + std::to_string(result.removed) + " gone, " +

@@ -5,9 +5,6 @@
 
 class MediaDrives;
 
-/// The path without links and relative parts. @throws CommandError if it is no directory
-std::string existing_directory(const std::string& path);
-
 /// Where a directory stands below the media root. One that lies on no drive is attached, with a note on
 /// stderr.
 std::string media_path(MediaDrives& drives, const std::string& path);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "apps/qra/command_line.h"
+#include "apps/qra/directory_path.h"
 #include "apps/qra/exit_status.h"
 #include "apps/qra/media_drives.h"
 #include "apps/qra/media_path.h"

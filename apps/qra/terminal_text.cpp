@@ -81,6 +81,15 @@ std::string printable_text(std::string_view bytes) {
     return text;
 }
 
+std::string shown_path(const std::string& path) {
+    constexpr std::size_t kMostCharacters = 200;
+    if (path.empty()) {
+        return "''";
+    }
+    const std::string text = printable_text(path.substr(0, kMostCharacters));
+    return path.size() > kMostCharacters ? text + "..." : text;
+}
+
 std::size_t cell_width(std::string_view text) {
     std::size_t cells = 0;
     while (!text.empty()) {

@@ -12,6 +12,9 @@
 /// unchanged.
 std::string printable_text(std::string_view bytes);
 
+/// A path for messages: printable, and short enough for a line or two.
+std::string shown_path(const std::string& path);
+
 /// Number of terminal cells that printable UTF-8 takes: 2 for a wide character, 0 for a combining one.
 std::size_t cell_width(std::string_view text);
 
