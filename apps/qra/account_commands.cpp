@@ -36,6 +36,9 @@ void check(int result, const std::string& name) {
                 ExitStatus::Usage,
                 "an account needs a name, a plug-in and an address that is a URL without user and "
                 "password, all in UTF-8 without control characters");
+        case ACCOUNT_ERROR_SCHEME:
+            throw CommandError(ExitStatus::Usage,
+                               std::string("the address of an account begins with ") + account_schemes());
         case ACCOUNT_ERROR_EXISTS:
             fail_request("there is an account " + printable_text(name) + " already; remove it first");
         case ACCOUNT_ERROR_NOT_FOUND:

@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "accounts.h"
 #include "engine/plugins/http/http_reason.h"
 #include "engine/src/glib_ptr.h"
 #include "engine/src/timer.h"
@@ -27,12 +28,11 @@ constexpr int kMostConnections = 4;
 constexpr int kPiecesInARound = 16;
 constexpr auto kUriFlags = static_cast<GUriFlags>(SOUP_HTTP_URI_FLAGS);
 
-/// Null for all but an http or https address of some server.
+/// Null for all but an address of some server that an account may have.
 UriPtr parse_address(const std::string& address) {
     UriPtr uri(g_uri_parse(address.c_str(), kUriFlags, nullptr));
-    const std::string_view scheme = uri ? g_uri_get_scheme(uri.get()) : "";
-    const bool good = (scheme == "http" || scheme == "https") && g_uri_get_host(uri.get()) != nullptr &&
-                      *g_uri_get_host(uri.get()) != '\0';
+    const bool good = uri != nullptr && account_knows_scheme(address.c_str()) &&
+                      g_uri_get_host(uri.get()) != nullptr && *g_uri_get_host(uri.get()) != '\0';
     return good ? std::move(uri) : nullptr;
 }
 
@@ -400,7 +400,7 @@ std::unique_ptr<HttpTransfer> HttpSession::start(HttpQuestion question, HttpSink
 std::string wrong_address(const std::string& address) {
     const UriPtr uri = parse_address(address);
     if (!uri) {
-        return "the account's address is not one that begins with http:// or https://";
+        return std::string("the account's address is not one that begins with ") + account_schemes();
     }
     if (g_uri_get_userinfo(uri.get()) != nullptr) {
         return "the account's address must not hold a user or a password";

@@ -6,8 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 #include <mutex>
 #include <string>
 #include <unordered_set>
@@ -26,6 +28,9 @@ using files::TextPtr;
 constexpr size_t kLongestName = 128;
 constexpr size_t kLongestText = 4096;
 constexpr off_t kLargestFile = 4 << 20;
+
+constexpr const char* kSchemes[] = {"http", "https"};
+constexpr const char* kSchemesText = "http:// or https://";
 
 /// The texts of an account beside its name, as the key file calls them.
 struct Field {
@@ -222,6 +227,9 @@ int account_add(const account_s* account) {
     if (!is_account(account)) {
         return ACCOUNT_ERROR_PARAM;
     }
+    if (!account_knows_scheme(account->address)) {
+        return ACCOUNT_ERROR_SCHEME;
+    }
     return change_stored([account](GKeyFile* file) -> int {
         const std::string group = group_of(account->name);
         if (g_key_file_has_group(file, group.c_str())) {
@@ -280,6 +288,16 @@ int account_foreach(account_cb callback, void* user_data) {
         }
     }
     return ACCOUNT_OK;
+}
+
+bool account_knows_scheme(const char* address) {
+    const char* const scheme = address != nullptr ? g_uri_peek_scheme(address) : nullptr;
+    return std::any_of(std::begin(kSchemes), std::end(kSchemes),
+                       [scheme](const char* known) { return g_strcmp0(scheme, known) == 0; });
+}
+
+const char* account_schemes() {
+    return kSchemesText;
 }
 
 const char* account_storage(void) {

@@ -23,7 +23,8 @@ enum account_error_e {
     ACCOUNT_ERROR_NOT_FOUND = -3, /**< no account of that name is there */
     ACCOUNT_ERROR_UNSAFE = -4, /**< others than the user may read or change what is stored: it is not used */
     ACCOUNT_ERROR_READ = -5,   /**< what is stored cannot be read */
-    ACCOUNT_ERROR_WRITE = -6   /**< the change could not be stored; what was there is unharmed */
+    ACCOUNT_ERROR_WRITE = -6,  /**< the change could not be stored; what was there is unharmed */
+    ACCOUNT_ERROR_SCHEME = -7  /**< an address of a scheme by which no service is reached */
 };
 
 /** One account. All texts are UTF-8 without control characters; those that may be empty are never null. */
@@ -47,7 +48,8 @@ typedef bool (*account_cb)(const account_s* account, void* user_data);
  *
  * @param account  what to store; borrowed
  * @return ACCOUNT_OK, ACCOUNT_ERROR_PARAM (also for an address with user or password in it),
- *         ACCOUNT_ERROR_EXISTS, ACCOUNT_ERROR_UNSAFE, ACCOUNT_ERROR_READ or ACCOUNT_ERROR_WRITE
+ *         ACCOUNT_ERROR_SCHEME, ACCOUNT_ERROR_EXISTS, ACCOUNT_ERROR_UNSAFE, ACCOUNT_ERROR_READ or
+ *         ACCOUNT_ERROR_WRITE
  */
 __attribute__((visibility("default"))) int account_add(const account_s* account);
 
@@ -82,6 +84,22 @@ __attribute__((visibility("default"))) int account_find(uid_t user, const char* 
  *         ACCOUNT_ERROR_READ
  */
 __attribute__((visibility("default"))) int account_foreach(account_cb callback, void* user_data);
+
+/**
+ * Whether services are reached by the scheme of an address. account_add() refuses others; who reads accounts
+ * asks, since a user may have written the file by hand.
+ *
+ * @param address  a URL; borrowed
+ * @return false for other schemes, for a text without one, and for null
+ */
+__attribute__((visibility("default"))) bool account_knows_scheme(const char* address);
+
+/**
+ * What account_knows_scheme() takes, for messages.
+ *
+ * @return a text such as "http:// or https://", which stays the service's
+ */
+__attribute__((visibility("default"))) const char* account_schemes(void);
 
 /**
  * Where the accounts of the calling user are kept, for messages.

@@ -133,6 +133,25 @@ TEST_F(Accounts, TakesOddNamesAndPasswords) {
     }
 }
 
+TEST_F(Accounts, RefusesAnAddressWhoseSchemeNoServiceHas) {
+    for (const char* address : {"ftp://localhost/", "file:///srv/pictures", "davs://localhost/", "x:y"}) {
+        const account_s account = {"x", "webdav", address, "", ""};
+
+        EXPECT_EQ(account_add(&account), ACCOUNT_ERROR_SCHEME) << address;
+        EXPECT_FALSE(account_knows_scheme(address)) << address;
+    }
+    EXPECT_FALSE(account_knows_scheme("no address"));
+    EXPECT_FALSE(account_knows_scheme(nullptr));
+    EXPECT_FALSE(std::filesystem::exists(file()));
+}
+
+TEST_F(Accounts, SchemesAreTakenInCapitalsToo) {
+    const account_s account = {"x", "webdav", "HTTPS://localhost/", "", ""};
+
+    EXPECT_EQ(account_add(&account), ACCOUNT_OK);
+    EXPECT_STREQ(account_schemes(), "http:// or https://");
+}
+
 TEST_F(Accounts, RefusesWhatIsNoAccount) {
     const std::string long_name(129, 'x');
     const account_s wrong[] = {
