@@ -19,6 +19,9 @@ public:
 
     ListRequest& request() { return request_; }
 
+    /// What the library calls the drive, folder or server that is listed.
+    const std::string& path() const { return path_; }
+
     /// The media database; there for lists of drives only.
     std::optional<MediaDrives>& drives() { return drives_; }
 

@@ -26,6 +26,7 @@
 #include "apps/qra/job_output.h"
 #include "apps/qra/output.h"
 #include "apps/qra/request_error.h"
+#include "apps/qra/server_questions.h"
 #include "apps/qra/terminal_text.h"
 
 namespace {
@@ -187,20 +188,28 @@ bool on_bookmark(void* answers, int seconds) {
     return true;
 }
 
-int read_bookmark(ListRequest& request) {
+/// The library gives 0 for a server that does not answer too.
+int read_bookmark(Browsing& browsing) {
     // The library gives the callback up when the list ends, and a list ends before this function's caller.
     static AnswerQueue<int>& answers = *new AnswerQueue<int>;
-    check("bookmark", qra_get_book_mark_v2(request.handle(), on_bookmark, &answers));
-    return answers.next_within(kLongestAnswer);
+    const qra_agent_handler_h handle = browsing.request().handle();
+    check("bookmark", qra_get_book_mark_v2(handle, on_bookmark, &answers));
+    const int seconds = answers.next_within(kLongestAnswer);
+    const std::string failure =
+        seconds == 0 ? item_failure(browsing.path(), read_text(handle, "ID_QRA")) : std::string();
+    if (!failure.empty()) {
+        fail("the position cannot be read: " + failure);
+    }
+    return seconds;
 }
 
 /// The library does not tell when a position is kept: this looks until the server has it.
-void set_bookmark(ListRequest& request, int seconds) {
-    check("bookmark", qra_set_item_value_int_v2(request.handle(), "PLAYED_POSITION", seconds));
+void set_bookmark(Browsing& browsing, int seconds) {
+    check("bookmark", qra_set_item_value_int_v2(browsing.request().handle(), "PLAYED_POSITION", seconds));
     const auto end = std::chrono::steady_clock::now() + kLongestAnswer;
-    while (read_bookmark(request) != seconds) {
+    while (read_bookmark(browsing) != seconds) {
         if (std::chrono::steady_clock::now() > end) {
-            fail("the position was not kept");
+            fail("the server answers, but does not keep the position");
         }
         std::this_thread::sleep_for(kBetweenLooks);
     }
@@ -306,9 +315,9 @@ void run_dlna_bookmark(const CommandLine& line) {
     }
     request.move_to(line.index);
     if (line.dlna.seconds) {
-        set_bookmark(request, *line.dlna.seconds);
+        set_bookmark(browsing, *line.dlna.seconds);
     }
-    const int seconds = line.dlna.seconds ? *line.dlna.seconds : read_bookmark(request);
+    const int seconds = line.dlna.seconds ? *line.dlna.seconds : read_bookmark(browsing);
     if (!line.json) {
         print(std::to_string(seconds) + "\n");
         return;

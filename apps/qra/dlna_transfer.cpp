@@ -1,33 +1,11 @@
 #include "apps/qra/dlna_transfer.h"
 
 #include "apps/qra/interrupt.h"
+#include "apps/qra/server_questions.h"
 
 namespace {
 
 constexpr int kProgressInterval = 300;
-
-/// The running service; null if it cannot be had. Asked for again, it tells who it is.
-nbl_serviceprovider_t running_service() {
-    struct Told {
-        std::mutex mutex;
-        std::condition_variable changed;
-        bool told = false;
-        nbl_serviceprovider_t service = nullptr;
-    } told;
-    const auto on_state = [](nbl_serviceprovider_t provider, int, void* data) {
-        auto* to = static_cast<Told*>(data);
-        const std::lock_guard<std::mutex> lock(to->mutex);
-        to->service = provider;
-        to->told = true;
-        to->changed.notify_one();
-    };
-    if (nbl_serviceconnector_connect(on_state, &told) != NBL_ERROR_NONE) {
-        return nullptr;
-    }
-    std::unique_lock<std::mutex> lock(told.mutex);
-    told.changed.wait(lock, [&told] { return told.told; });
-    return told.service;
-}
 
 }  // namespace
 
@@ -50,13 +28,8 @@ int DlnaTransfer::download(const std::string& uri, const std::string& mimetype, 
 }
 
 int DlnaTransfer::upload(const std::string& server_id, nbl_item_t item, const Progress& progress) {
-    nbl_devicefinder_t finder = nullptr;
     nbl_provider_t provider = nullptr;
-    int code = nbl_serviceprovider_get_devicefinder(running_service(), &finder);
-    if (code == NBL_ERROR_NONE) {
-        code =
-            nbl_devicefinder_get_device(finder, NBL_DEVICE_CLASS_MEDIA_SERVER, server_id.c_str(), &provider);
-    }
+    int code = find_provider(server_id, provider);
     if (code != NBL_ERROR_NONE) {
         return code;
     }

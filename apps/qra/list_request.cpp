@@ -10,6 +10,7 @@
 #include "apps/qra/interrupt.h"
 #include "apps/qra/request_error.h"
 #include "apps/qra/request_params.h"
+#include "apps/qra/server_questions.h"
 
 namespace {
 
@@ -46,6 +47,10 @@ ListRequest::ListRequest(const ListOptions& options, const std::string& path) {
         }
         if (event == QRA_EVENT_LIST_FAILED && options.source == kPlaylistSource) {
             throw CommandError(ExitStatus::RequestFailed, "no such playlist, or it is empty");
+        }
+        if (event == QRA_EVENT_LIST_FAILED && options.source == kServerSource) {
+            throw CommandError(ExitStatus::RequestFailed,
+                               "the list request failed: " + list_failure(path, options));
         }
         if (event == QRA_EVENT_LIST_FAILED) {
             throw CommandError(ExitStatus::RequestFailed,

@@ -16,7 +16,7 @@ from pathlib import Path
 
 QRA, SERVER = sys.argv.pop(1), sys.argv.pop(1)
 SUCCESS, USAGE, FAILED = 0, 1, 2
-PATIENCE = 60
+PATIENCE = 120
 SKIPPED = 77  # as told to ctest
 ATTIC = "uuid:5f0c7a10-0000-4000-8000-000000000001"
 CELLAR = "uuid:5f0c7a10-0000-4000-8000-000000000002"
@@ -158,6 +158,61 @@ class FailureTest(DlnaTest):
         self.qra("list", "--source", "SOURCE_DLNA", status=USAGE)
         self.qra("list", "--source", "SOURCE_DLNA", "--path", "Attic", "--uhd", status=USAGE)
         self.qra("dlna", "get", "Attic", status=USAGE)
+
+    def test_a_failed_list_says_what_the_server_does(self):
+        self.server.tell("generate films video 4")
+        folder = ("list", "--source", "SOURCE_DLNA", "--path", "Attic", "--folder-id", "films")
+        for switch, reason in (("Browse.error 501", "does not know such a request"),
+                               ("Browse.error 709", "refuses the request"),
+                               ("Browse.status 404", "refuses the request"),
+                               ("Browse.broken-soap", "cannot be understood"),
+                               ("Browse.cut", "cannot be reached, or breaks off"),
+                               ("Browse.cut '' 1", "answers by now: try again")):
+            self.server.tell("set " + switch)
+            with self.subTest(switch):
+                self.assertIn(reason, self.qra(*folder, status=FAILED).stderr)
+            self.server.tell("clear")
+        self.server.tell("set Browse.error 501")
+        fetched = self.qra("dlna", "get", "Attic", "--folder-id", "films", "--select", "0", "--to", self.directory,
+                           status=FAILED)
+        self.assertIn("does not know such a request", fetched.stderr)
+
+    def test_a_view_or_search_that_the_server_cannot_give_says_so(self):
+        plain = Server("--name=Cellar", "--id=" + CELLAR, "--no-search")
+        self.addCleanup(plain.end)
+        views = ("list", "--source", "SOURCE_DLNA", "--path", "Cellar", "--content", "CONTENT-MUSIC")
+        self.assertIn("neither sorts what it has nor can search it",
+                      self.qra(*views, "--sort", "CATEGORY-ARTIST", status=FAILED).stderr)
+        self.assertIn("the server cannot search",
+                      self.qra(*views, "--sort", "CATEGORY-KEYWORD-SEARCH", "--keyword", "a", status=FAILED).stderr)
+
+    def test_a_server_that_ends_meanwhile_is_told_of(self):
+        self.server.tell("generate films video 4")
+        self.server.tell("set Browse.hold")
+        listing = subprocess.Popen([QRA, "list", "--source", "SOURCE_DLNA", "--path", "Attic", "--folder-id", "films"],
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, env=self.environment)
+        self.addCleanup(listing.kill)
+        self.server.tell("await Browse 1")
+        self.server.process.kill()
+        _, told = listing.communicate(timeout=PATIENCE)
+        self.assertEqual(listing.returncode, FAILED)
+        self.assertRegex(told, "the server (is gone|cannot be reached)")
+
+    def test_a_position_that_cannot_be_read_is_no_zero(self):
+        self.server.tell("generate films video 4")
+        bookmark = ("dlna", "bookmark", "Attic", "--folder-id", "films", "2")
+        # What lists the folder, a page of it and the folder's own record with one child, is answered.
+        self.server.tell("set Browse.error 701 -1 3")
+        self.assertIn("the position cannot be read: the server has no such folder or file",
+                      self.qra(*bookmark, status=FAILED).stderr)
+
+
+class SilenceTest(DlnaTest):
+    def test_a_server_that_does_not_answer_is_told_of(self):
+        self.server.tell("generate films video 4")
+        self.server.tell("set Browse.hold")
+        silent = self.qra("list", "--source", "SOURCE_DLNA", "--path", "Attic", "--folder-id", "films", status=FAILED)
+        self.assertIn("the server does not answer", silent.stderr)
 
 
 class TransferTest(DlnaTest):
