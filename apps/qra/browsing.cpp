@@ -17,7 +17,7 @@ std::string Browsing::prepare(const CommandLine& line) {
     if (line.list.source != kCameraSource) {
         engine_.emplace();
     }
-    return line.list.source == "SOURCE_MSC" ? prepare_drive(line) : line.path;
+    return line.list.source == kDriveSource ? prepare_drive(line) : line.path;
 }
 
 // A view of folders shows what is in the folder; any other view shows its whole drive.

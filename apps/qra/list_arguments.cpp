@@ -200,9 +200,19 @@ void add_item_options(CLI::App& command, CommandLine& line, void (*run)(const Co
     });
 }
 
+/// A job works on the lists of drives alone; the name of their source is all that the hidden option takes.
+void check_job_source(const CommandLine& line) {
+    if (line.list.source != kDriveSource) {
+        throw CLI::ValidationError(
+            "--source",
+            "only files on drives; `qra dlna get` and `qra camera get` fetch what lies elsewhere");
+    }
+}
+
 void add_job_options(CLI::App& command, CommandLine& line) {
     add_path(command, line);
     add_request_options(command, line);
+    command.get_option("--source")->group("");
     command
         .add_option_function<std::string>("--select", choice_reader(line.job.choices, "--select"),
                                           "The tiles, such as 3-7,12; may be repeated")
@@ -268,12 +278,18 @@ void add_job_commands(CLI::App& app, CommandLine& line) {
     copy->add_option("--to", line.job.target,
                      "The folder; copies go to PHOTO, VIDEO, MUSIC and CONTENTS (recordings) in it")
         ->required();
-    copy->callback([&line] { line.command = run_copy; });
+    copy->callback([&line] {
+        check_job_source(line);
+        line.command = run_copy;
+    });
 
     CLI::App* remove = app.add_subcommand("delete", "Delete the files of chosen tiles; asks first");
     add_job_options(*remove, line);
     remove->add_flag("--yes", line.job.yes, "Do not ask");
-    remove->callback([&line] { line.command = run_delete; });
+    remove->callback([&line] {
+        check_job_source(line);
+        line.command = run_delete;
+    });
 }
 
 std::function<void(const std::string&)> choice_reader(std::vector<TileChoice>& choices, const char* name) {

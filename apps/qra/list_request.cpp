@@ -34,7 +34,7 @@ GeneralParam list_param(const ListOptions& options, const std::string& path) {
 }  // namespace
 
 bool is_source_of_this_machine(const std::string& source) {
-    constexpr std::string_view kSources[] = {"SOURCE_MSC", kCameraSource, kServerSource, kPlaylistSource};
+    constexpr std::string_view kSources[] = {kDriveSource, kCameraSource, kServerSource, kPlaylistSource};
     return std::find(std::begin(kSources), std::end(kSources), source) != std::end(kSources);
 }
 

@@ -8,9 +8,12 @@
 #include <optional>
 #include <string>
 
+/// The source of drives and folders.
+inline constexpr const char* kDriveSource = "SOURCE_MSC";
+
 /// What `qra list` and `qra get` ask for.
 struct ListOptions {
-    std::string source = "SOURCE_MSC";
+    std::string source = kDriveSource;
     std::string content_type = "CONTENT-FOLDER";
     std::string sort_category = "CATEGORY-FOLDER-TITLE";
     std::string keyword;

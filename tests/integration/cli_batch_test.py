@@ -79,6 +79,13 @@ class JobUsageTest(JobTest):
             with self.subTest(arguments):
                 self.assert_fails(USAGE, ".", *arguments)
 
+    def test_only_what_lies_on_drives_is_worked_on(self):
+        for command in ["copy", self.tree, "--to", self.target], ["delete", self.tree, "--yes"]:
+            for source in "SOURCE_PTP", "SOURCE_DLNA", "SOURCE_PLAYLIST", "CloudSource":
+                self.assert_fails(USAGE, "--source: only files on drives",
+                                  *command, "--select", "all", "--source", source)
+        self.copy("3", "--source", "SOURCE_MSC")
+
     def test_choice_that_cannot_be_read_is_named(self):
         self.assert_fails(USAGE, "'some' chooses nothing", "copy", self.tree, "--to", self.target, "--select", "1,some")
 
