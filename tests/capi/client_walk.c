@@ -1,81 +1,21 @@
 /* What a media browser does with a folder, from request to disconnect, in plain C. */
-#include "client_functions.h"
-
-#include <pthread.h>
-#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
-#define EXPECT(condition)                                                             \
-    do {                                                                              \
-        if (!(condition)) {                                                           \
-            fprintf(stderr, "%s:%d: not true: %s\n", __FILE__, __LINE__, #condition); \
-            return 1;                                                                 \
-        }                                                                             \
-    } while (0)
-#define EXPECT_OK(call) EXPECT((call) == QRA_ERROR_NONE)
+#include "client_lists.h"
 
 enum { FOLDERS_MEDIA_AND_UP_FOLDER = 0x26, SELECTED_ITEMS = 0x40 };
 
-/* Where the list callback, on a thread of the library, leaves its news. */
-typedef struct {
-    pthread_mutex_t mutex;
-    pthread_cond_t changed;
-    int answers;
-    qra_event_e event;
-} answer_s;
-
-static bool on_answer(void* user_data, CQRAAgentHandle* handle, qra_event_e event, int value,
-                      const char* data) {
-    answer_s* answer = user_data;
-    (void)handle;
-    (void)value;
-    (void)data;
-    pthread_mutex_lock(&answer->mutex);
-    answer->event = event;
-    ++answer->answers;
-    pthread_cond_signal(&answer->changed);
-    pthread_mutex_unlock(&answer->mutex);
-    return true;
-}
-
-static qra_event_e wait_for_answer(answer_s* answer) {
-    pthread_mutex_lock(&answer->mutex);
-    while (answer->answers == 0) {
-        pthread_cond_wait(&answer->changed, &answer->mutex);
-    }
-    const qra_event_e event = answer->event;
-    pthread_mutex_unlock(&answer->mutex);
-    return event;
-}
-
 /* Lists `path`; `prepare_data` brings an earlier selection back, or is null. */
 static int open_list(const char* path, const char* prepare_data, qra_agent_handler_h* handle) {
-    answer_s answer = {PTHREAD_MUTEX_INITIALIZER, PTHREAD_COND_INITIALIZER, 0, QRA_EVENT_LIST_FAILED};
-    qra_general_param_h request = NULL;
-    EXPECT_OK(CALL(qra_create_general_param)(&request));
-    EXPECT_OK(CALL(qra_param_set_general_source)(request, "SOURCE_MSC"));
-    EXPECT_OK(CALL(qra_param_set_general_path)(request, path));
-    EXPECT_OK(CALL(qra_param_set_general_content_type)(request, "CONTENT-FOLDER"));
-    EXPECT_OK(CALL(qra_param_set_general_sort_category)(request, "CATEGORY-FOLDER-TITLE"));
-    if (prepare_data) {
-        EXPECT_OK(CALL(qra_param_set_general_prepare_data)(request, prepare_data));
-    }
-    EXPECT_OK(CALL(qra_request_list_v2)(request, on_answer, &answer, handle));
-    EXPECT_OK(CALL(qra_destroy_general_param)(request));
-    EXPECT(wait_for_answer(&answer) == QRA_EVENT_LIST_SUCCESS);
-    return 0;
-}
-
-static int set_page_style(qra_agent_handler_h handle, int mask) {
-    qra_page_param_h style = NULL;
-    EXPECT_OK(CALL(qra_create_page_param)(&style));
-    EXPECT_OK(CALL(qra_param_set_page_style_mask)(style, mask));
-    EXPECT_OK(CALL(qra_param_set_page_style_row)(style, 2));
-    EXPECT_OK(CALL(qra_param_set_page_style_column)(style, 9));
-    EXPECT_OK(CALL(qra_param_set_page_style_group_index)(style, -1));
-    EXPECT_OK(CALL(qra_set_page_style_v2)(handle, style));
-    EXPECT_OK(CALL(qra_destroy_page_param)(style));
+    const list_request_s request = {.source = "SOURCE_MSC",
+                                    .path = path,
+                                    .content_type = "CONTENT-FOLDER",
+                                    .sort_category = "CATEGORY-FOLDER-TITLE",
+                                    .prepare_data = prepare_data};
+    qra_event_e event = QRA_EVENT_LIST_FAILED;
+    EXPECT(request_list(&request, handle, &event) == 0);
+    EXPECT(event == QRA_EVENT_LIST_SUCCESS);
     return 0;
 }
 

@@ -1,5 +1,5 @@
-/* Usage: dlopen_client_test PATH LIBRARY. A plug-in host: it loads the library, uses it, closes it, and
- * again. */
+/* Usage: dlopen_client_test WALK PATH_OR_ID LIBRARY. A plug-in host: it loads the library, uses it, closes
+ * it, and again. */
 #include "client_functions.h"
 
 #include <dlfcn.h>
@@ -18,8 +18,8 @@ static int look_up(void* library, const char* name, void* function) {
     return address != NULL;
 }
 
-static int walk_with_library(const char* path, const char* file) {
-    void* library = dlopen(file, RTLD_NOW | RTLD_LOCAL);
+static int walk_with_library(char** argv) {
+    void* library = dlopen(argv[3], RTLD_NOW | RTLD_LOCAL);
     if (!library) {
         fprintf(stderr, "%s\n", dlerror());
         return 1;
@@ -29,14 +29,14 @@ static int walk_with_library(const char* path, const char* file) {
         return 1;                                           \
     }
     CLIENT_FUNCTIONS(LOOK_UP)
-    const int result = client_walk(path);
+    const int result = client_walk_of(argv);
     return dlclose(library) == 0 ? result : 1;
 }
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
+    if (argc != 4) {
         return 2;
     }
-    const int first = walk_with_library(argv[1], argv[2]);
-    return first != 0 ? first : walk_with_library(argv[1], argv[2]);
+    const int first = walk_with_library(argv);
+    return first != 0 ? first : walk_with_library(argv);
 }
