@@ -37,7 +37,7 @@ struct JobKind {
     std::string target;  ///< for the library
     std::uint64_t bytes = 0;
     Reason failure;
-    std::function<bool()> is_to_end;  ///< asked at each report
+    std::function<bool()> has_gone;  ///< the drive that is written to; asked at each report
 };
 
 [[noreturn]] void fail(const std::string& message) {
@@ -109,10 +109,18 @@ public:
         output_.started(progress_);
         BatchJob job(kind_.type, request_.handle(), kind_.target);
         while (const auto report = job.next()) {
-            take(*report);
-            if (kind_.is_to_end && kind_.is_to_end()) {
+            const bool has_gone = kind_.has_gone();
+            // A film that is no longer there counts as deleted, also where its drive is pulled.
+            is_in_doubt_ = is_in_doubt_ || (has_gone && kind_.type == QRA_PROCESSOR_TYPE_DELETE);
+            if (!is_in_doubt_) {
+                take(*report);
+            }
+            if (has_gone) {
                 job.stop();
             }
+        }
+        if (is_in_doubt_) {
+            end_in_doubt();
         }
         if (job.was_stopped()) {
             end_stopped();
@@ -148,8 +156,13 @@ private:
 
     [[noreturn]] void end_stopped() {
         output_.ended("stopped", progress_);
-        const bool ended_here = kind_.is_to_end && kind_.is_to_end();
-        fail((ended_here ? "the target is gone: " : "interrupted: ") + untouched_text());
+        fail((kind_.has_gone() ? "the target is gone: " : "interrupted: ") + untouched_text());
+    }
+
+    [[noreturn]] void end_in_doubt() {
+        output_.ended("stopped", progress_);
+        fail("the drive is gone: " + files_text(items_.size() - progress_.files_done, 0) +
+             " may still be on it");
     }
 
     [[noreturn]] void end_failed(std::size_t number) {
@@ -177,6 +190,7 @@ private:
     std::vector<bool> done_;
     JobOutput& output_;
     JobProgress progress_;
+    bool is_in_doubt_ = false;
     RateMeter meter_;
     std::optional<std::size_t> failed_;
 };
@@ -231,7 +245,7 @@ void run_copy(const CommandLine& line) {
     kind.target = media_path(drives, directory);
     kind.bytes = bytes_of(plan.items);
     kind.failure = [&](const JobItem& item) { return copy_failure(item, directory, limits); };
-    kind.is_to_end = [&] { return has_gone(directory, limits); };
+    kind.has_gone = [&] { return has_gone(directory, limits); };
     JobRun(kind, browsing.request(), plan, output).run();
 }
 
@@ -241,6 +255,8 @@ void run_delete(const CommandLine& line) {
                            "delete asks first, and there is no terminal to ask on: give --yes");
     }
     Browsing browsing(line);
+    const std::string folder = existing_directory(line.path);
+    const TargetLimits limits = target_limits(folder);
     JobOutput output(line.json, "deleted");
     const Plan plan = make_plan(browsing.request(), line, removal_refusal, output);
     if (line.job.dry_run) {
@@ -253,5 +269,6 @@ void run_delete(const CommandLine& line) {
     JobKind kind;
     kind.type = QRA_PROCESSOR_TYPE_DELETE;
     kind.failure = removal_failure;
+    kind.has_gone = [&] { return has_gone(folder, limits); };
     JobRun(kind, browsing.request(), plan, output).run();
 }

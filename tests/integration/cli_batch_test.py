@@ -401,6 +401,31 @@ class DriveTest(JobTest):
         self.assertIn("the target is gone", message + str(reasons))
         self.assertLess(events[-1]["files_done"], MANY)
 
+    def test_film_on_a_drive_that_is_pulled_is_not_told_as_deleted(self):
+        drive = self.directory / "stick"
+        drive.mkdir()
+        self.mount("size=64m", drive)
+        sparse(drive / "film_0.mp4", 1000)
+        for number in range(1, MANY):
+            os.link(drive / "film_0.mp4", drive / f"film_{number}.mp4")
+        content = os.open(drive, os.O_RDONLY)
+        self.addCleanup(os.close, content)
+        command = [QRA, "delete", str(drive), "--select", "all", "--yes", "--json"]
+        with subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as process:
+            events = []
+            for line in process.stdout:
+                events.append(json.loads(line))
+                if len(events) == 3:
+                    subprocess.run(["umount", "-l", drive], check=True)
+            message = process.stderr.read().decode()
+            self.assertEqual(FAILED, process.wait(timeout=120))
+        left = set(os.listdir(content))
+        done = {event["name"] for event in events if event["event"] == "file_done"}
+        self.assertEqual(set(), done & left)
+        self.assertEqual(("stopped", len(done)), (events[-1]["event"], events[-1]["files_done"]))
+        self.assertRegex(message, f"the drive is gone: {MANY - len(done)} files? may still be on it")
+
 
 if __name__ == "__main__":
     unittest.main()
