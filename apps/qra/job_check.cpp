@@ -85,6 +85,35 @@ std::string stem_of(const std::string& path) {
                                                                                    : path.substr(0, dot);
 }
 
+/// Why the library reads nothing from a file; it asks for the owner's right besides the user's.
+std::string reading_refusal(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
+        return "cannot be found: " + error_text(errno);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return "is no regular file";
+    }
+    if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0) {
+        return "cannot be read: " + error_text(errno);
+    }
+    return (status.st_mode & S_IRUSR) == 0 ? "cannot be read: its owner may not read it" : "";
+}
+
+/// The companions that a file has; what is no file is none.
+std::vector<std::string> companions_of(const JobItem& item) {
+    std::vector<std::string> companions;
+    const Kind* kind = kind_of(item.media_type);
+    for (const char* extension : kind != nullptr ? kind->companions : std::vector<const char*>()) {
+        struct stat status {};
+        std::string path = stem_of(item.path) + extension;
+        if (stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
+            companions.push_back(std::move(path));
+        }
+    }
+    return companions;
+}
+
 std::string directory_of(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
 }
@@ -103,6 +132,20 @@ bool is_directory(const std::string& path) {
 bool is_there(const std::string& path) {
     struct stat status {};
     return stat(path.c_str(), &status) == 0;
+}
+
+std::uint64_t size_of(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
+/// Where everybody may write, nobody but a file's owner may remove it, and that of the directory.
+bool belongs_to_somebody_else(const std::string& path) {
+    struct stat place {};
+    struct stat file {};
+    const uid_t user = geteuid();
+    return stat(directory_of(path).c_str(), &place) == 0 && (place.st_mode & S_ISVTX) != 0 && user != 0 &&
+           user != place.st_uid && lstat(path.c_str(), &file) == 0 && user != file.st_uid;
 }
 
 /// The folder that a copy goes to: the first of its kind that is there or can be made; empty for none.
@@ -251,19 +294,19 @@ std::string source_refusal(const JobItem& item) {
     if (!item.has_time) {
         return "cannot be copied: the media database has no modification time of it";
     }
-    struct stat status {};
-    if (stat(item.path.c_str(), &status) != 0) {
-        return "cannot be found: " + error_text(errno);
-    }
-    if (!S_ISREG(status.st_mode)) {
-        return "is no regular file";
-    }
-    if (faccessat(AT_FDCWD, item.path.c_str(), R_OK, AT_EACCESS) != 0) {
-        return "cannot be read: " + error_text(errno);
+    const std::string refusal = reading_refusal(item.path);
+    if (!refusal.empty()) {
+        return refusal;
     }
     // A copy goes by the size in the media database.
-    if (static_cast<std::uint64_t>(status.st_size) != item.size) {
+    if (size_of(item.path) != item.size) {
         return "has another size than the media database says: scan it again";
+    }
+    // It would be left behind in silence.
+    for (const std::string& companion : companions_of(item)) {
+        if (!reading_refusal(companion).empty()) {
+            return "has a companion that cannot be read: " + printable_text(companion);
+        }
     }
     return recording_refusal(item);
 }
@@ -307,12 +350,8 @@ std::string PlannedCopies::add(const JobItem& item) {
     }
     const std::string path = folder + "/" + *name;
     std::map<std::string, std::string> taken = {{key(path), item.path}};
-    for (const char* extension : kind->companions) {
-        const std::string source = stem_of(item.path) + extension;
-        const std::string companion = stem_of(path) + extension;
-        if (!is_there(source)) {
-            continue;
-        }
+    for (const std::string& source : companions_of(item)) {
+        const std::string companion = stem_of(path) + source.substr(stem_of(source).size());
         const auto planned = sources_.find(key(companion));
         if (is_there(companion) || (planned != sources_.end() && planned->second != source)) {
             return "has a companion that would replace " + printable_text(companion);
@@ -343,12 +382,16 @@ std::string removal_refusal(const JobItem& item) {
     if (!may_write_into(directory)) {
         return "cannot be removed: " + error_text(errno);
     }
-    struct stat place {};
-    const uid_t user = geteuid();
-    const bool restricted = stat(directory.c_str(), &place) == 0 && (place.st_mode & S_ISVTX) != 0;
-    return restricted && user != 0 && user != file.st_uid && user != place.st_uid
-               ? "is a file of somebody else"
-               : recording_refusal(item);
+    if (belongs_to_somebody_else(item.path)) {
+        return "is a file of somebody else";
+    }
+    // The file would be gone before its companion fails the job.
+    for (const std::string& companion : companions_of(item)) {
+        if (belongs_to_somebody_else(companion)) {
+            return "has a companion of somebody else: " + printable_text(companion);
+        }
+    }
+    return recording_refusal(item);
 }
 
 bool has_gone(const std::string& directory, const TargetLimits& limits) {
@@ -380,12 +423,8 @@ std::uint64_t needed_bytes(const std::vector<JobItem>& items, const TargetLimits
     std::uint64_t bytes = 0;
     for (const JobItem& item : items) {
         bytes += in_blocks(item.size, limits.block_bytes);
-        const Kind* kind = kind_of(item.media_type);
-        for (const char* extension : kind != nullptr ? kind->companions : std::vector<const char*>()) {
-            struct stat status {};
-            if (stat((stem_of(item.path) + extension).c_str(), &status) == 0) {
-                bytes += in_blocks(static_cast<std::uint64_t>(status.st_size), limits.block_bytes);
-            }
+        for (const std::string& companion : companions_of(item)) {
+            bytes += in_blocks(size_of(companion), limits.block_bytes);
         }
     }
     return bytes;

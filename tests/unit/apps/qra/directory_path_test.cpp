@@ -1,36 +1,13 @@
 #include "apps/qra/directory_path.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "apps/qra/exit_status.h"
 #include "tests/fakes/temp_dir.h"
+#include "tests/fakes/without_roots_rights.h"
 
 namespace {
-
-constexpr uid_t kNobody = 65534;
-
-/// Root may see everything: this user's rights are nobody's as long as it lives.
-class WithoutRootsRights {
-public:
-    WithoutRootsRights() { has_changed_ = geteuid() == 0 && seteuid(kNobody) == 0; }
-    ~WithoutRootsRights() {
-        if (has_changed_ && seteuid(0) != 0) {
-            ADD_FAILURE() << "the rights do not come back";
-        }
-    }
-    WithoutRootsRights(const WithoutRootsRights&) = delete;
-    WithoutRootsRights& operator=(const WithoutRootsRights&) = delete;
-    /// This user sees what everybody may see in a directory, and nothing more.
-    static bool are_usual_in(const std::string& directory) {
-        return geteuid() != 0 && faccessat(AT_FDCWD, directory.c_str(), R_OK | X_OK, AT_EACCESS) == 0;
-    }
-
-private:
-    bool has_changed_ = false;
-};
 
 /// What refuses a path; empty if nothing does.
 std::string refusal_of(std::string (*check)(const std::string&), const std::string& path) {

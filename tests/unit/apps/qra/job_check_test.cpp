@@ -4,6 +4,7 @@
 #include <qra/qra_types.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -11,6 +12,7 @@
 #include "tests/fakes/own_mounts.h"
 #include "tests/fakes/recording_maker.h"
 #include "tests/fakes/temp_dir.h"
+#include "tests/fakes/without_roots_rights.h"
 
 namespace {
 
@@ -107,6 +109,23 @@ TEST_F(JobCheck, SourceThatHasGoneOrChangedIsRefused) {
     JobItem folder = item_named("folder");
     folder.path = directory_.path();
     EXPECT_THAT(source_refusal(folder), HasSubstr("no regular file"));
+}
+
+TEST_F(JobCheck, SourceThatItsOwnerMayNotReadIsRefusedForEverybody) {
+    const JobItem source = item("a.jpg");
+    ASSERT_EQ(chmod(source.path.c_str(), 0044), 0);
+    EXPECT_THAT(source_refusal(source), StartsWith("cannot be read"));
+}
+
+TEST_F(JobCheck, CompanionThatCannotBeReadIsNotLeftBehindInSilence) {
+    JobItem film = item("film.avi");
+    film.media_type = QRA_MEDIA_TYPE_VIDEO;
+    const std::string subtitles = directory_.write("film.srt", "subtitles");
+    EXPECT_EQ(source_refusal(film), "");
+    ASSERT_EQ(chmod(subtitles.c_str(), 0), 0);
+    EXPECT_EQ(source_refusal(film), "has a companion that cannot be read: " + subtitles);
+    film.media_type = QRA_MEDIA_TYPE_IMAGE;
+    EXPECT_EQ(source_refusal(film), "");
 }
 
 TEST_F(JobCheck, SourceWithoutATimeCannotBeCopied) {
@@ -334,6 +353,25 @@ TEST_F(JobCheck, LinkIsRemovedAsLongAsItsFileIsThere) {
     EXPECT_THAT(removal_refusal(link), HasSubstr("link to a file that is not there"));
     directory_.write("a.jpg", "content");
     EXPECT_EQ(removal_refusal(link), "");
+}
+
+TEST_F(JobCheck, FilesOfSomebodyElseStayWhereEverybodyMayWrite) {
+    JobItem film = item("film.avi");
+    film.media_type = QRA_MEDIA_TYPE_VIDEO;
+    const std::string subtitles = directory_.write("film.srt", "subtitles");
+    ASSERT_EQ(chmod(directory_.path().c_str(), 01777), 0);
+    if (chown(film.path.c_str(), WithoutRootsRights::kNobody, -1) != 0) {
+        GTEST_SKIP() << "only root can give files away";
+    }
+    const WithoutRootsRights rights;
+    if (!WithoutRootsRights::are_usual_in(directory_.path())) {
+        GTEST_SKIP() << "there is no user without root's rights here, or the test's directory is not for it";
+    }
+    EXPECT_EQ(removal_refusal(film), "has a companion of somebody else: " + subtitles);
+    film.media_type = QRA_MEDIA_TYPE_IMAGE;
+    EXPECT_EQ(removal_refusal(film), "");
+    film.path = subtitles;
+    EXPECT_EQ(removal_refusal(film), "is a file of somebody else");
 }
 
 TEST_F(JobCheck, FailureIsExplainedByWhatCanBeSeen) {
