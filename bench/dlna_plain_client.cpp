@@ -7,19 +7,19 @@
 #include <utility>
 
 #include "bench/measure.h"
-#include "platform/nubelink/host/glib_ptr.h"
 #include "platform/nubelink/host/soap_call.h"
+#include "platform/support/glib_ptr.h"
 
 namespace {
 
 constexpr char kService[] = "urn:schemas-upnp-org:service:ContentDirectory:1";
 
-using DocumentPtr = std::unique_ptr<xmlDoc, nbl::Release<xmlFreeDoc>>;
+using DocumentPtr = std::unique_ptr<xmlDoc, support::Release<xmlFreeDoc>>;
 
 void release_text(xmlChar* text) {
     xmlFree(text);
 }
-using XmlTextPtr = std::unique_ptr<xmlChar, nbl::Release<release_text>>;
+using XmlTextPtr = std::unique_ptr<xmlChar, support::Release<release_text>>;
 
 std::string page_question(const std::string& folder, int start) {
     nbl::SoapQuestion question;
@@ -48,7 +48,7 @@ xmlNode* find_element(xmlNode* from, const char* name) {
 }  // namespace
 
 struct PlainClient::Session {
-    const nbl::ObjectPtr<SoupSession> soup{soup_session_new()};
+    const glib::ObjectPtr<SoupSession> soup{soup_session_new()};
 };
 
 PlainClient::PlainClient(std::string url, std::string folder)
@@ -57,13 +57,13 @@ PlainClient::PlainClient(std::string url, std::string folder)
 PlainClient::~PlainClient() = default;
 
 std::string PlainClient::fetch(int start) const {
-    const nbl::ObjectPtr<SoupMessage> message(soup_message_new("POST", url_.c_str()));
+    const glib::ObjectPtr<SoupMessage> message(soup_message_new("POST", url_.c_str()));
     const std::string body = page_question(folder_, start);
-    const nbl::BytesPtr bytes(g_bytes_new(body.data(), body.size()));
+    const glib::BytesPtr bytes(g_bytes_new(body.data(), body.size()));
     soup_message_set_request_body_from_bytes(message.get(), "text/xml; charset=\"utf-8\"", bytes.get());
     soup_message_headers_append(soup_message_get_request_headers(message.get()), "SOAPAction",
                                 (std::string("\"") + kService + "#Browse\"").c_str());
-    const nbl::BytesPtr answer(
+    const glib::BytesPtr answer(
         soup_session_send_and_read(session_->soup.get(), message.get(), nullptr, nullptr));
     if (answer == nullptr || soup_message_get_status(message.get()) != 200) {
         bench::give_up("the server does not answer the plain client");
@@ -82,7 +82,7 @@ int PlainClient::read(const std::string& answer) {
         bench::give_up("the plain client does not understand the server");
     }
     const XmlTextPtr didl(xmlNodeGetContent(result));
-    const nbl::ObjectPtr<GUPnPDIDLLiteParser> parser(gupnp_didl_lite_parser_new());
+    const glib::ObjectPtr<GUPnPDIDLLiteParser> parser(gupnp_didl_lite_parser_new());
     int count = 0;
     const auto take = [](GUPnPDIDLLiteParser*, GUPnPDIDLLiteObject* object, int* counted) {
         const bool has_both = gupnp_didl_lite_object_get_title(object) != nullptr &&

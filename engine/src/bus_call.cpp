@@ -1,12 +1,12 @@
 #include "engine/src/bus_call.h"
 
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
 std::optional<uint32_t> ask_bus(GDBusConnection* bus, const char* method, GVariant* arguments,
                                 GError** error) {
-    const VariantPtr reply(g_dbus_connection_call_sync(
+    const glib::VariantPtr reply(g_dbus_connection_call_sync(
         bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method, arguments,
         G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr, error));
     if (!reply) {

@@ -4,7 +4,7 @@
 
 #include "engine/src/bus_call.h"
 #include "engine/src/engine_log.h"
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
@@ -54,7 +54,7 @@ std::optional<uid_t> ClientTable::user_of(const std::string& client) {
     if (client == last_asked_) {
         return last_user_;
     }
-    ErrorOut error;
+    glib::ErrorOut error;
     const auto user = ask_bus(bus_, "GetConnectionUnixUser", g_variant_new("(s)", client.c_str()), error);
     if (!user) {
         ENGINE_INFO("cannot tell the user of %s: %s", client.c_str(), error.message());

@@ -27,7 +27,7 @@ EngineDaemon::EngineDaemon(EngineSetup setup, double idle_seconds)
       setup_(std::move(setup)) {}
 
 int EngineDaemon::run() {
-    ErrorOut error;
+    glib::ErrorOut error;
     bus_.reset(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, error));
     if (!bus_) {
         ENGINE_WARNING("cannot reach the system bus: %s", error.message());
@@ -46,7 +46,7 @@ int EngineDaemon::run() {
 }
 
 bool EngineDaemon::take_name() {
-    ErrorOut error;
+    glib::ErrorOut error;
     const auto outcome =
         ask_bus(bus_.get(), "RequestName",
                 g_variant_new("(su)", com_morva_qra_engine_interface.name, kDoNotQueue), error);

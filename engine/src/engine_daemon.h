@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "engine/src/engine_service.h"
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
@@ -37,9 +37,9 @@ private:
 
     const gint64 idle_limit_;  ///< microseconds
     gint64 last_use_;          ///< monotonic time, microseconds
-    MainLoopPtr loop_;
+    glib::MainLoopPtr loop_;
     EngineSetup setup_;  ///< until the service takes it
-    ConnectionPtr bus_;
+    glib::ObjectPtr<GDBusConnection> bus_;
     std::unique_ptr<EngineService> service_;
 };
 

@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "engine/src/engine_log.h"
-#include "engine/src/glib_ptr.h"
 #include "engine/src/object_path.h"
 #include "engine_interface.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
@@ -41,7 +41,7 @@ EngineService::~EngineService() {
 
 bool EngineService::offer() {
     static const GDBusInterfaceVTable kTable = {&EngineService::on_call, nullptr, nullptr, {}};
-    ErrorOut error;
+    glib::ErrorOut error;
     registration_ = g_dbus_connection_register_object(
         bus_, kObjectPath, const_cast<GDBusInterfaceInfo*>(&com_morva_qra_engine_interface), &kTable, this,
         nullptr, error);

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "engine/src/folder_request.h"
-#include "engine/src/glib_ptr.h"
 #include "media_content_admin.h"
+#include "platform/support/release.h"
 
 namespace engine {
 
@@ -17,7 +17,7 @@ constexpr size_t kMostFolders = 1024;
 std::string database_path() {
     char* path = nullptr;
     media_content_admin_database_path(&path);
-    const std::unique_ptr<char, Release<std::free>> owned(path);
+    const std::unique_ptr<char, support::Release<std::free>> owned(path);
     return path != nullptr ? path : "";
 }
 

@@ -5,8 +5,8 @@
 #include "engine/plugins/feed/feed_plugin.h"
 #include "engine/plugins/webdav/webdav_plugin.h"
 #include "engine/src/engine_daemon.h"
-#include "engine/src/glib_ptr.h"
 #include "engine/src/user_accounts.h"
+#include "platform/support/glib_ptr.h"
 
 namespace {
 
@@ -27,9 +27,10 @@ bool parse_options(int argc, char** argv, Options& options) {
          nullptr},
         {},
     };
-    const engine::OptionContextPtr context(g_option_context_new("- serve content to the QRA content agent"));
+    const std::unique_ptr<GOptionContext, support::Release<g_option_context_free>> context(
+        g_option_context_new("- serve content to the QRA content agent"));
     g_option_context_add_main_entries(context.get(), entries, nullptr);
-    engine::ErrorOut error;
+    glib::ErrorOut error;
     const char* wrong = nullptr;
     if (!g_option_context_parse(context.get(), &argc, &argv, error)) {
         wrong = error.message();

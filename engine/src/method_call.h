@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
@@ -33,7 +33,7 @@ public:
     void refuse(GDBusError code, const std::string& reason);
 
 private:
-    std::unique_ptr<GDBusMethodInvocation, Release<g_object_unref>> invocation_;
+    glib::ObjectPtr<GDBusMethodInvocation> invocation_;
 };
 
 }  // namespace engine

@@ -97,8 +97,8 @@ bool write_all(int fd, std::vector<iovec> pieces) {
 
 /// Opens a new mark of life and locks it. None if that fails, or if another engine took it for dead
 /// meanwhile.
-UniqueFd make_mark(const std::string& name) {
-    UniqueFd mark(shm_open(name.c_str(), O_CREAT | O_EXCL | O_RDWR, 0600));
+files::Descriptor make_mark(const std::string& name) {
+    files::Descriptor mark(shm_open(name.c_str(), O_CREAT | O_EXCL | O_RDWR, 0600));
     struct stat info = {};
     if (mark && flock(mark.get(), LOCK_EX | LOCK_NB) == 0 && fstat(mark.get(), &info) == 0 &&
         info.st_nlink != 0) {
@@ -107,7 +107,7 @@ UniqueFd make_mark(const std::string& name) {
     if (mark) {
         shm_unlink(name.c_str());
     }
-    return UniqueFd();
+    return files::Descriptor();
 }
 
 /// The part of an object's name that tells its engine, with the underscore; empty for a name of others.
@@ -126,12 +126,12 @@ bool is_own_file(const std::string& path) {
 
 /// The lock of an engine that has died, so that nobody else takes it for dead at the same time; none if it
 /// lives or is another user's.
-UniqueFd lock_if_dead(const std::string& mark) {
-    UniqueFd fd(shm_open(("/" + mark).c_str(), O_RDWR, 0));
+files::Descriptor lock_if_dead(const std::string& mark) {
+    files::Descriptor fd(shm_open(("/" + mark).c_str(), O_RDWR, 0));
     struct stat info = {};
     const bool is_dead = fd && fstat(fd.get(), &info) == 0 && S_ISREG(info.st_mode) &&
                          info.st_uid == geteuid() && flock(fd.get(), LOCK_EX | LOCK_NB) == 0;
-    return is_dead ? std::move(fd) : UniqueFd();
+    return is_dead ? std::move(fd) : files::Descriptor();
 }
 
 std::set<std::string> object_names() {
@@ -178,7 +178,7 @@ std::optional<SharedObject> SharedObjects::create(const std::vector<std::string_
         return std::nullopt;
     }
     const std::string name = "/" + instance_ + high + low;
-    const UniqueFd fd(shm_open(name.c_str(), O_CREAT | O_EXCL | O_RDWR, 0600));
+    const files::Descriptor fd(shm_open(name.c_str(), O_CREAT | O_EXCL | O_RDWR, 0600));
     if (!fd) {
         ENGINE_WARNING("shm_open %s: %s", name.c_str(), g_strerror(errno));
         return std::nullopt;
@@ -205,7 +205,7 @@ size_t SharedObjects::remove_leftovers() const {
         if (mark != instance + kLiveMark || instance == instance_) {
             continue;
         }
-        const UniqueFd dead = lock_if_dead(mark);
+        const files::Descriptor dead = lock_if_dead(mark);
         if (!dead) {
             continue;
         }

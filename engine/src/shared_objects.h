@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "engine/src/unique_fd.h"
+#include "platform/files/descriptor.h"
 
 namespace engine {
 
@@ -62,8 +62,8 @@ public:
     size_t remove_leftovers() const;
 
 private:
-    std::string instance_;  ///< what all names of this engine start with, without the slash
-    UniqueFd live_;         ///< holds the lock
+    std::string instance_;    ///< what all names of this engine start with, without the slash
+    files::Descriptor live_;  ///< holds the lock
 };
 
 }  // namespace engine

@@ -1,14 +1,14 @@
 #include "engine/src/signal_sender.h"
 
 #include "engine/src/engine_log.h"
-#include "engine/src/glib_ptr.h"
 #include "engine/src/object_path.h"
 #include "engine_interface.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
 void SignalSender::send(const char* client, const char* signal, GVariant* values) const {
-    ErrorOut error;
+    glib::ErrorOut error;
     if (!g_dbus_connection_emit_signal(bus_, client, kObjectPath, com_morva_qra_engine_interface.name, signal,
                                        values, error)) {
         ENGINE_WARNING("cannot send %s: %s", signal, error.message());

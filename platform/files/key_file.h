@@ -4,20 +4,9 @@
 #include <glib.h>
 #include <sys/types.h>
 
-#include <memory>
 #include <string>
 
 namespace files {
-
-struct FreeKeyFile {
-    void operator()(GKeyFile* file) const { g_key_file_unref(file); }
-};
-using KeyFilePtr = std::unique_ptr<GKeyFile, FreeKeyFile>;
-
-struct FreeText {
-    void operator()(gchar* text) const { g_free(text); }
-};
-using TextPtr = std::unique_ptr<gchar, FreeText>;
 
 /**
  * Puts a key file in the place of the file at `path`, or makes one, so that readers at any moment and whoever

@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/support/glib_ptr.h"
 #include "tests/engine/protocol_client.h"
 
 namespace {
@@ -63,7 +64,7 @@ protected:
         return act(id, request);
     }
     uint32_t stop(uint32_t id, const std::string& request) {
-        const engine::VariantPtr reply = client_.call("stop_act", g_variant_new("(us)", id, request.c_str()));
+        const glib::VariantPtr reply = client_.call("stop_act", g_variant_new("(us)", id, request.c_str()));
         uint32_t result = UINT32_MAX;
         if (reply) {
             g_variant_get(reply.get(), "(u)", &result);
@@ -258,7 +259,7 @@ TEST_F(EngineItems, AnswersADetailAlsoWithADatabaseThatIsBroken) {
     start();
     engine_->end();
     {
-        engine::ErrorOut error;
+        glib::ErrorOut error;
         ASSERT_TRUE(g_file_set_contents(data_.path("likes-and-comments.db").c_str(),
                                         std::string(8192, 'x').c_str(), 8192, error));
     }

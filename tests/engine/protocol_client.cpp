@@ -147,7 +147,7 @@ bool wait_until(const std::function<bool()>& condition, GMainContext* context) {
 
 ProtocolClient::ProtocolClient() : context_(g_main_context_new()) {
     g_main_context_push_thread_default(context_);
-    engine::ErrorOut error;
+    glib::ErrorOut error;
     const char* address = g_getenv("DBUS_SYSTEM_BUS_ADDRESS");
     bus_.reset(g_dbus_connection_new_for_address_sync(
         address ? address : "",
@@ -183,11 +183,11 @@ void ProtocolClient::on_signal(GDBusConnection*, const char*, const char*, const
     static_cast<ProtocolClient*>(self)->completions_.push_back(json_of(text));
 }
 
-engine::VariantPtr ProtocolClient::call(const char* method, GVariant* arguments) {
-    engine::ErrorOut error;
-    engine::VariantPtr reply(g_dbus_connection_call_sync(bus_.get(), kName, kPath, kName, method, arguments,
-                                                         nullptr, G_DBUS_CALL_FLAGS_NONE, 30 * 1000, nullptr,
-                                                         error));
+glib::VariantPtr ProtocolClient::call(const char* method, GVariant* arguments) {
+    glib::ErrorOut error;
+    glib::VariantPtr reply(g_dbus_connection_call_sync(bus_.get(), kName, kPath, kName, method, arguments,
+                                                       nullptr, G_DBUS_CALL_FLAGS_NONE, 30 * 1000, nullptr,
+                                                       error));
     error_ = reply ? "" : error.message();
     return reply;
 }
@@ -198,7 +198,7 @@ bool ProtocolClient::wait_for_engine() {
 }
 
 uint32_t ProtocolClient::connect(const std::string& account) {
-    const engine::VariantPtr reply = call("connect", g_variant_new("(s)", account.c_str()));
+    const glib::VariantPtr reply = call("connect", g_variant_new("(s)", account.c_str()));
     uint32_t id = 0;
     if (reply) {
         g_variant_get(reply.get(), "(u)", &id);

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 #include "tests/fakes/temp_dir.h"
 
 /// A test's own directory for what its engines keep.
@@ -84,7 +84,7 @@ public:
     /// Waits until the engine answers. False if it does not within 30 seconds.
     bool wait_for_engine();
     /// Calls a method; null, with error() set, if that fails.
-    engine::VariantPtr call(const char* method, GVariant* arguments);
+    glib::VariantPtr call(const char* method, GVariant* arguments);
     const std::string& error() const { return error_; }
 
     /// The id of a new connection to an account; 0, with error() set, if it is refused.
@@ -115,7 +115,7 @@ private:
                           GVariant* values, void* self);
 
     GMainContext* context_;
-    engine::ConnectionPtr bus_;
+    glib::ObjectPtr<GDBusConnection> bus_;
     std::string error_;
     std::deque<Json::Value> completions_;
 };

@@ -7,7 +7,7 @@
 #include <ostream>
 #include <string>
 
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 inline constexpr char kEngineName[] = "com.morva.qra.engine";
 inline constexpr char kEnginePath[] = "/com/morva/qra/engine";
@@ -37,7 +37,7 @@ inline std::string take(char* text) {
 class Bus {
 public:
     Bus() {
-        engine::ErrorOut error;
+        glib::ErrorOut error;
         connection_.reset(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, error));
         EXPECT_TRUE(connection_) << error.message();
         g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
@@ -46,7 +46,7 @@ public:
     Answer call(const char* name, const char* path, const char* interface, const char* method,
                 GVariant* arguments) const {
         GError* error = nullptr;
-        const engine::VariantPtr reply(
+        const glib::VariantPtr reply(
             g_dbus_connection_call_sync(connection_.get(), name, path, interface, method, arguments, nullptr,
                                         G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error));
         if (reply) {
@@ -85,7 +85,7 @@ public:
     }
 
 private:
-    engine::ConnectionPtr connection_;
+    glib::ObjectPtr<GDBusConnection> connection_;
 };
 
 inline const Answer kUp = {"", "('QRA_SERVER_START_SUCCESS',)"};

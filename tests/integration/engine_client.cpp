@@ -40,12 +40,12 @@ bool wait_until(const std::function<bool()>& is_so) {
     return so;
 }
 
-engine::ConnectionPtr connect_to_bus() {
-    engine::ErrorOut error;
+glib::ObjectPtr<GDBusConnection> connect_to_bus() {
+    glib::ErrorOut error;
     const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    engine::ConnectionPtr bus(g_dbus_connection_new_for_address_sync(getenv("DBUS_SYSTEM_BUS_ADDRESS"), flags,
-                                                                     nullptr, nullptr, error));
+    glib::ObjectPtr<GDBusConnection> bus(g_dbus_connection_new_for_address_sync(
+        getenv("DBUS_SYSTEM_BUS_ADDRESS"), flags, nullptr, nullptr, error));
     EXPECT_TRUE(bus) << error.message();
     return bus;
 }
@@ -120,14 +120,14 @@ void EngineClient::leave() {
     }
 }
 
-engine::VariantPtr EngineClient::call(const char* method, GVariant* arguments) {
-    engine::ErrorOut error;
-    engine::VariantPtr reply = try_call(method, arguments, error);
+glib::VariantPtr EngineClient::call(const char* method, GVariant* arguments) {
+    glib::ErrorOut error;
+    glib::VariantPtr reply = try_call(method, arguments, error);
     EXPECT_TRUE(reply) << method << ": " << error.message();
     return reply;
 }
 
-engine::VariantPtr EngineClient::try_call(const char* method, GVariant* arguments, engine::ErrorOut& error) {
+glib::VariantPtr EngineClient::try_call(const char* method, GVariant* arguments, glib::ErrorOut& error) {
     GAsyncResult* result = nullptr;
     const auto done = [](GObject*, GAsyncResult* answer, void* place) {
         *static_cast<GAsyncResult**>(place) = static_cast<GAsyncResult*>(g_object_ref(answer));
@@ -137,7 +137,7 @@ engine::VariantPtr EngineClient::try_call(const char* method, GVariant* argument
     while (result == nullptr) {
         g_main_context_iteration(nullptr, TRUE);  // the call has a deadline of its own
     }
-    engine::VariantPtr reply(g_dbus_connection_call_finish(bus_.get(), result, error));
+    glib::VariantPtr reply(g_dbus_connection_call_finish(bus_.get(), result, error));
     g_object_unref(result);
     return reply;
 }
@@ -146,7 +146,7 @@ std::unique_ptr<EngineProcess> EngineClient::use_impatient_engine(
     const char* method, const std::function<GVariant*()>& arguments) {
     for (int i = 0; i < kMostImpatientEngines; ++i) {
         auto engine = std::make_unique<EngineProcess>(std::vector<std::string>{"--idle-timeout", "0.2"});
-        engine::ErrorOut error;
+        glib::ErrorOut error;
         if (try_call(method, arguments(), error)) {
             return engine;
         }
@@ -163,7 +163,7 @@ unsigned EngineClient::number(const char* method, GVariant* arguments) {
     return answer;
 }
 
-engine::VariantPtr EngineClient::take_signal(const std::string& name) {
+glib::VariantPtr EngineClient::take_signal(const std::string& name) {
     const auto find = [&] {
         return std::find_if(signals_.begin(), signals_.end(),
                             [&](const Signal& one) { return one.name == name; });
@@ -173,7 +173,7 @@ engine::VariantPtr EngineClient::take_signal(const std::string& name) {
         return nullptr;
     }
     const auto found = find();
-    engine::VariantPtr arguments = std::move(found->arguments);
+    glib::VariantPtr arguments = std::move(found->arguments);
     signals_.erase(found);
     return arguments;
 }
@@ -196,7 +196,7 @@ size_t EngineClient::signals_left() {
 void EngineClient::on_signal(GDBusConnection*, const char*, const char*, const char*, const char* signal,
                              GVariant* arguments, void* self) {
     static_cast<EngineClient*>(self)->signals_.push_back(
-        {signal, engine::VariantPtr(g_variant_ref(arguments))});
+        {signal, glib::VariantPtr(g_variant_ref(arguments))});
 }
 
 Json::Value parse_json(const std::string& text) {

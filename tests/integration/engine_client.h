@@ -10,13 +10,13 @@
 #include <string>
 #include <vector>
 
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 /// Runs the default main context until something is so; false if that takes far too long.
 bool wait_until(const std::function<bool()>& is_so);
 
 /// A connection of its own to the bus that stands in for the system bus.
-engine::ConnectionPtr connect_to_bus();
+glib::ObjectPtr<GDBusConnection> connect_to_bus();
 
 /// How many threads of an engine scan folders.
 int scanning_threads_of(pid_t engine);
@@ -50,9 +50,9 @@ public:
 
     /// Calls a method and runs the main context until the answer is there. Null, and a failed test, for an
     /// error.
-    engine::VariantPtr call(const char* method, GVariant* arguments);
+    glib::VariantPtr call(const char* method, GVariant* arguments);
     /// The same for a call that may fail; null for an error, which is kept in `error`.
-    engine::VariantPtr try_call(const char* method, GVariant* arguments, engine::ErrorOut& error);
+    glib::VariantPtr try_call(const char* method, GVariant* arguments, glib::ErrorOut& error);
 
     /// Starts an engine that ends soon unless it is in use, and calls a method that makes it be. An engine
     /// that ended before the call reached it is replaced.
@@ -64,7 +64,7 @@ public:
 
     /// The arguments of the first signal of that name that was not taken before, waited for; null, and a
     /// failed test, if none comes.
-    engine::VariantPtr take_signal(const std::string& name);
+    glib::VariantPtr take_signal(const std::string& name);
     /// The same for a signal whose one argument is a JSON text.
     Json::Value take_json(const std::string& name);
 
@@ -77,13 +77,13 @@ public:
 private:
     struct Signal {
         std::string name;
-        engine::VariantPtr arguments;
+        glib::VariantPtr arguments;
     };
 
     static void on_signal(GDBusConnection* bus, const char* sender, const char* path, const char* interface,
                           const char* signal, GVariant* arguments, void* self);
 
-    engine::ConnectionPtr bus_;
+    glib::ObjectPtr<GDBusConnection> bus_;
     unsigned subscription_;
     std::vector<Signal> signals_;
 };

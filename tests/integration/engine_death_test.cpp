@@ -16,9 +16,9 @@
 #include <vector>
 
 #include "accounts.h"
-#include "engine/src/glib_ptr.h"
 #include "media_content.h"
 #include "media_content_admin.h"
+#include "platform/support/glib_ptr.h"
 #include "tests/fakes/plugin_answers.h"
 #include "tests/fakes/temp_dir.h"
 #include "tests/fakes/web_server.h"
@@ -174,7 +174,7 @@ protected:
         const Answer answer =
             bus_.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                       "GetConnectionUnixProcessID", g_variant_new("(s)", kEngineName));
-        const engine::VariantPtr number(
+        const glib::VariantPtr number(
             g_variant_parse(G_VARIANT_TYPE("(u)"), answer.text.c_str(), nullptr, nullptr, nullptr));
         guint32 pid = 0;
         if (number) {

@@ -11,6 +11,7 @@
 
 #include "media_content.h"
 #include "media_content_admin.h"
+#include "platform/support/glib_ptr.h"
 #include "tests/fakes/own_mounts.h"
 #include "tests/fakes/temp_dir.h"
 #include "tests/integration/engine_client.h"
@@ -18,7 +19,7 @@
 
 namespace {
 
-using engine::VariantPtr;
+using glib::VariantPtr;
 
 constexpr unsigned kAll = 0;
 constexpr unsigned kMassStorage = 1;
@@ -42,7 +43,7 @@ protected:
     static Json::Value devices(EngineClient& client, const char* method, unsigned kind) {
         guint32 result = 99;
         const char* text = "{}";
-        const VariantPtr reply = client.call(method, g_variant_new("(u)", kind));
+        const glib::VariantPtr reply = client.call(method, g_variant_new("(u)", kind));
         if (reply) {
             g_variant_get(reply.get(), "(u&s)", &result, &text);
         }
@@ -143,7 +144,7 @@ protected:
 
     const TempDir data_;
     const TempDir files_;
-    std::unique_ptr<UMockdevTestbed, engine::Release<g_object_unref>> devices_;
+    glib::ObjectPtr<UMockdevTestbed> devices_;
     std::string hub_;
 };
 
@@ -416,7 +417,7 @@ TEST_F(EngineDevices, RefusesAKindThatDoesNotExist) {
     const FakeUDisks disks;
     EngineProcess engine;
     EngineClient client;
-    const VariantPtr reply = client.call("get_usb_storages", g_variant_new("(u)", 3));
+    const glib::VariantPtr reply = client.call("get_usb_storages", g_variant_new("(u)", 3));
     guint32 result = 0;
     const char* text = nullptr;
     g_variant_get(reply.get(), "(u&s)", &result, &text);

@@ -9,13 +9,14 @@
 
 #include "media_content.h"
 #include "media_content_admin.h"
+#include "platform/support/glib_ptr.h"
 #include "tests/fakes/temp_dir.h"
 #include "tests/integration/engine_client.h"
 #include "tests/integration/held_scans.h"
 
 namespace {
 
-using engine::VariantPtr;
+using glib::VariantPtr;
 
 /// An attached drive with pictures, and clients' calls for it. The engine is a process of its own.
 class EngineScan : public testing::Test {
@@ -51,7 +52,8 @@ protected:
     /// The id of a scan of a folder and all below it; 0 if it was not started.
     static unsigned start_check(EngineClient& client, const std::string& path,
                                 const char* kind = "check_device") {
-        const VariantPtr reply = client.call("start_scanner", g_variant_new("(ss)", kind, path.c_str()));
+        const glib::VariantPtr reply =
+            client.call("start_scanner", g_variant_new("(ss)", kind, path.c_str()));
         gboolean started = FALSE;
         guint32 id = 0;
         if (reply) {
@@ -67,7 +69,7 @@ protected:
 
     static bool start_thumb(EngineClient& client, const std::string& path,
                             const char* content = "CONTENT-IMAGE", unsigned count = 2) {
-        const VariantPtr reply = client.call("start_scanner_thumb", thumb(path, content, count));
+        const glib::VariantPtr reply = client.call("start_scanner_thumb", thumb(path, content, count));
         gboolean started = FALSE;
         if (reply) {
             g_variant_get(reply.get(), "(b)", &started);
@@ -91,7 +93,7 @@ protected:
     }
 
     static void expect_done(EngineClient& client, unsigned id, const std::string& path) {
-        const VariantPtr arguments = client.take_signal("qra_scanner_done");
+        const glib::VariantPtr arguments = client.take_signal("qra_scanner_done");
         ASSERT_TRUE(arguments);
         guint32 scanner = 0;
         guint32 event = 99;

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/support/glib_ptr.h"
 #include "tests/integration/engine_bus.h"
 #include "tests/unit/engine/temp_folder.h"
 
@@ -51,7 +52,7 @@ NodeInfoPtr introspect(const Bus& bus) {
     const Answer answer =
         bus.call(kEngineName, kEnginePath, "org.freedesktop.DBus.Introspectable", "Introspect", nullptr);
     EXPECT_EQ("", answer.error) << answer.text;
-    const engine::VariantPtr reply(
+    const glib::VariantPtr reply(
         g_variant_parse(G_VARIANT_TYPE("(s)"), answer.text.c_str(), nullptr, nullptr, nullptr));
     const char* xml = nullptr;
     g_variant_get(reply.get(), "(&s)", &xml);

@@ -75,12 +75,12 @@ void add_drive(GVariantBuilder* objects, const FakeDisk& disk, size_t i) {
 FakeUDisks::FakeUDisks(std::vector<FakeDisk> disks) : bus_(connect_to_bus()), disks_(std::move(disks)) {
     static const GDBusInterfaceVTable kTable = {&FakeUDisks::on_call, nullptr, nullptr, {}};
     GDBusNodeInfo* node = g_dbus_node_info_new_for_xml(kObjectManager, nullptr);
-    engine::ErrorOut error;
+    glib::ErrorOut error;
     registration_ = g_dbus_connection_register_object(bus_.get(), kPath, node->interfaces[0], &kTable, this,
                                                       nullptr, error);
     EXPECT_NE(0U, registration_) << error.message();
     g_dbus_node_info_unref(node);
-    const engine::VariantPtr reply(g_dbus_connection_call_sync(
+    const glib::VariantPtr reply(g_dbus_connection_call_sync(
         bus_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
         g_variant_new("(su)", kName, 4U), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, error));
     EXPECT_TRUE(reply) << error.message();

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 /// A disk with one file system, as the disk service shows it.
 struct FakeDisk {
@@ -43,7 +43,7 @@ private:
     static void on_call(GDBusConnection* bus, const char* sender, const char* path, const char* interface,
                         const char* method, GVariant* arguments, GDBusMethodInvocation* call, void* self);
 
-    engine::ConnectionPtr bus_;
+    glib::ObjectPtr<GDBusConnection> bus_;
     std::vector<FakeDisk> disks_;
     std::vector<GDBusMethodInvocation*> unanswered_;
     unsigned registration_ = 0;

@@ -6,27 +6,24 @@
 #include <memory>
 
 #include "engine/plugins/support/media_kind.h"
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
 namespace {
-
-using CharPtr = std::unique_ptr<char, Release<g_free>>;
-using UriPtr = std::unique_ptr<GUri, Release<g_uri_unref>>;
 
 constexpr auto kUriFlags =
     static_cast<GUriFlags>(G_URI_FLAGS_ENCODED | G_URI_FLAGS_PARSE_RELAXED | G_URI_FLAGS_HAS_PASSWORD);
 
 /// The address, absolute and without credentials; empty if it leads to no web server.
 std::string web_address(const std::string& address, const std::string& feed_url) {
-    const UriPtr base(g_uri_parse(feed_url.c_str(), kUriFlags, nullptr));
-    const UriPtr uri(address.empty() || !base
-                         ? nullptr
-                         : g_uri_parse_relative(base.get(), address.c_str(), kUriFlags, nullptr));
+    const glib::UriPtr base(g_uri_parse(feed_url.c_str(), kUriFlags, nullptr));
+    const glib::UriPtr uri(address.empty() || !base
+                               ? nullptr
+                               : g_uri_parse_relative(base.get(), address.c_str(), kUriFlags, nullptr));
     const std::string_view scheme = uri ? g_uri_get_scheme(uri.get()) : "";
     return scheme == "http" || scheme == "https"
-               ? CharPtr(g_uri_to_string_partial(uri.get(), G_URI_HIDE_USERINFO)).get()
+               ? glib::TextPtr(g_uri_to_string_partial(uri.get(), G_URI_HIDE_USERINFO)).get()
                : "";
 }
 
@@ -34,7 +31,7 @@ std::string web_address(const std::string& address, const std::string& feed_url)
 std::string file_name_of(const std::string& url) {
     const std::string path = url.substr(0, url.find_first_of("?#"));
     const std::string name = path.substr(path.rfind('/') + 1);
-    const CharPtr plain(g_uri_unescape_string(name.c_str(), nullptr));
+    const glib::TextPtr plain(g_uri_unescape_string(name.c_str(), nullptr));
     return plain && g_utf8_validate(plain.get(), -1, nullptr) ? plain.get() : name;
 }
 

@@ -8,20 +8,17 @@
 
 #include "accounts.h"
 #include "engine/plugins/http/http_reason.h"
-#include "engine/src/glib_ptr.h"
 #include "engine/src/timer.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
 namespace {
 
-using UriPtr = std::unique_ptr<GUri, Release<g_uri_unref>>;
-using BytesPtr = std::unique_ptr<GBytes, Release<g_bytes_unref>>;
-using SoupSessionPtr = std::unique_ptr<SoupSession, Release<g_object_unref>>;
-using MessagePtr = std::unique_ptr<SoupMessage, Release<g_object_unref>>;
-using StreamPtr = std::unique_ptr<GInputStream, Release<g_object_unref>>;
-using CancellablePtr = std::unique_ptr<GCancellable, Release<g_object_unref>>;
-using CharPtr = std::unique_ptr<char, Release<g_free>>;
+using SoupSessionPtr = glib::ObjectPtr<SoupSession>;
+using MessagePtr = glib::ObjectPtr<SoupMessage>;
+using StreamPtr = glib::ObjectPtr<GInputStream>;
+using CancellablePtr = glib::ObjectPtr<GCancellable>;
 
 constexpr size_t kPieceSize = 64 * 1024;
 constexpr int kMostConnections = 4;
@@ -29,8 +26,8 @@ constexpr int kPiecesInARound = 16;
 constexpr auto kUriFlags = static_cast<GUriFlags>(SOUP_HTTP_URI_FLAGS);
 
 /// Null for all but an address of some server that an account may have.
-UriPtr parse_address(const std::string& address) {
-    UriPtr uri(g_uri_parse(address.c_str(), kUriFlags, nullptr));
+glib::UriPtr parse_address(const std::string& address) {
+    glib::UriPtr uri(g_uri_parse(address.c_str(), kUriFlags, nullptr));
     const bool good = uri != nullptr && account_knows_scheme(address.c_str()) &&
                       g_uri_get_host(uri.get()) != nullptr && *g_uri_get_host(uri.get()) != '\0';
     return good ? std::move(uri) : nullptr;
@@ -72,7 +69,7 @@ struct HttpSession::Parts {
     SoupSessionPtr soup;
     SoupSessionPtr beside;  ///< for questions that wait for no other one's connection
     HttpLimits limits;
-    UriPtr address;  ///< null if it is none
+    glib::UriPtr address;  ///< null if it is none
     std::string user;
     std::string password;
 
@@ -124,7 +121,7 @@ private:
     const HttpQuestion question_;
     HttpSink* sink_;
     const CancellablePtr cancellable_;
-    UriPtr uri_;
+    glib::UriPtr uri_;
     MessagePtr message_;
     StreamPtr stream_;
     std::array<char, kPieceSize> piece_;
@@ -215,7 +212,7 @@ bool HttpTransfer::State::may_know_password() const {
 void HttpTransfer::State::add_basic(SoupMessage* message) {
     basic_sent_ = true;
     const std::string plain = parts_->user + ":" + parts_->password;
-    const CharPtr encoded(g_base64_encode(reinterpret_cast<const guchar*>(plain.data()), plain.size()));
+    const glib::TextPtr encoded(g_base64_encode(reinterpret_cast<const guchar*>(plain.data()), plain.size()));
     soup_message_headers_replace(soup_message_get_request_headers(message), "Authorization",
                                  ("Basic " + std::string(encoded.get())).c_str());
 }
@@ -223,7 +220,7 @@ void HttpTransfer::State::add_basic(SoupMessage* message) {
 void HttpTransfer::State::set_body(SoupMessage* message, void* question_of_transfer) {
     const auto& question = *static_cast<const HttpQuestion*>(question_of_transfer);
     if (!question.body.empty()) {
-        const BytesPtr body(g_bytes_new(question.body.data(), question.body.size()));
+        const glib::BytesPtr body(g_bytes_new(question.body.data(), question.body.size()));
         soup_message_set_request_body_from_bytes(message, question.body_type.c_str(), body.get());
     }
 }
@@ -255,7 +252,7 @@ void HttpTransfer::State::send() {
 void HttpTransfer::State::sent(GObject* source, GAsyncResult* result) {
     GError* failure = nullptr;
     stream_.reset(soup_session_send_finish(SOUP_SESSION(source), result, &failure));
-    const std::unique_ptr<GError, Release<g_error_free>> error(failure);
+    const glib::ErrorPtr error(failure);
     if (!sink_) {
         return;
     }
@@ -274,7 +271,7 @@ void HttpTransfer::State::sent(GObject* source, GAsyncResult* result) {
     } else if (is_redirect(status)) {
         follow(soup_message_headers_get_one(soup_message_get_response_headers(message_.get()), "Location"));
     } else if (status == question_.wanted_status) {
-        sink_->on_begin(CharPtr(g_uri_to_string_partial(uri_.get(), G_URI_HIDE_USERINFO)).get());
+        sink_->on_begin(glib::TextPtr(g_uri_to_string_partial(uri_.get(), G_URI_HIDE_USERINFO)).get());
         read_on();
     } else if (status >= 200 && status < 300) {
         fail(server + " " + question_.wrong_status);
@@ -289,10 +286,12 @@ void HttpTransfer::State::follow(const char* location) {
         fail(server + " sends us round in circles");
         return;
     }
-    const UriPtr target(location ? g_uri_parse_relative(uri_.get(), location, kUriFlags, nullptr) : nullptr);
-    UriPtr next =
-        target ? parse_address(CharPtr(g_uri_to_string_partial(target.get(), G_URI_HIDE_USERINFO)).get())
-               : nullptr;
+    const glib::UriPtr target(location ? g_uri_parse_relative(uri_.get(), location, kUriFlags, nullptr)
+                                       : nullptr);
+    glib::UriPtr next =
+        target
+            ? parse_address(glib::TextPtr(g_uri_to_string_partial(target.get(), G_URI_HIDE_USERINFO)).get())
+            : nullptr;
     if (!next) {
         fail(server + " sends us to an address that is none");
         return;
@@ -326,7 +325,7 @@ void HttpTransfer::State::piece_read(GObject* source, GAsyncResult* result) {
         take_piece(static_cast<size_t>(size));
         size = sink_ && !held_ ? read_what_is_there(&failure) : -1;
     }
-    const std::unique_ptr<GError, Release<g_error_free>> error(failure);
+    const glib::ErrorPtr error(failure);
     if (!sink_) {
         return;
     }
@@ -398,7 +397,7 @@ std::unique_ptr<HttpTransfer> HttpSession::start(HttpQuestion question, HttpSink
 }
 
 std::string wrong_address(const std::string& address) {
-    const UriPtr uri = parse_address(address);
+    const glib::UriPtr uri = parse_address(address);
     if (!uri) {
         return std::string("the account's address is not one that begins with ") + account_schemes();
     }

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
@@ -19,7 +19,7 @@ bool ends_with(std::string_view text, std::string_view end) {
 }
 
 std::string folded(const std::string& text) {
-    const std::unique_ptr<char, Release<g_free>> fold(g_utf8_casefold(text.c_str(), -1));
+    const glib::TextPtr fold(g_utf8_casefold(text.c_str(), -1));
     return fold.get();
 }
 

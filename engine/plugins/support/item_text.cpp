@@ -10,13 +10,11 @@
 #include <string_view>
 #include <utility>
 
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
 namespace {
-
-using CharPtr = std::unique_ptr<char, Release<g_free>>;
 
 /// Clients read times as numbers of 32 bits.
 uint64_t narrow_time(int64_t seconds) {
@@ -90,7 +88,7 @@ private:
             add_quoted(text);
         } else {
             // A long text may have been cut within a character; the writer would leave it without an end.
-            add_quoted(CharPtr(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()))).get());
+            add_quoted(glib::TextPtr(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()))).get());
         }
     }
 

@@ -6,14 +6,14 @@
 #include <charconv>
 #include <memory>
 
-#include "engine/src/glib_ptr.h"
+#include "platform/support/release.h"
 
 namespace engine {
 
 namespace {
 
-using DateTimePtr = std::unique_ptr<GDateTime, Release<g_date_time_unref>>;
-using TimeZonePtr = std::unique_ptr<GTimeZone, Release<g_time_zone_unref>>;
+using DateTimePtr = std::unique_ptr<GDateTime, support::Release<g_date_time_unref>>;
+using TimeZonePtr = std::unique_ptr<GTimeZone, support::Release<g_time_zone_unref>>;
 
 constexpr uint64_t kLongestDuration = uint64_t{1'000'000} * 3600;
 

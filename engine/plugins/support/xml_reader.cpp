@@ -5,13 +5,13 @@
 
 #include <algorithm>
 
-#include "engine/src/glib_ptr.h"
+#include "platform/support/release.h"
 
 namespace engine {
 
 namespace {
 
-using ContextPtr = std::unique_ptr<xmlParserCtxt, Release<xmlFreeParserCtxt>>;
+using ContextPtr = std::unique_ptr<xmlParserCtxt, support::Release<xmlFreeParserCtxt>>;
 
 // What the parser takes as an int at once.
 constexpr size_t kLargestPiece = 1 << 20;

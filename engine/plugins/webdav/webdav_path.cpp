@@ -5,13 +5,11 @@
 #include <algorithm>
 #include <memory>
 
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
 namespace {
-
-using CharPtr = std::unique_ptr<char, Release<g_free>>;
 
 constexpr char kHexDigits[] = "0123456789ABCDEF";
 constexpr auto kUriFlags = static_cast<GUriFlags>(G_URI_FLAGS_ENCODED | G_URI_FLAGS_PARSE_RELAXED);
@@ -89,7 +87,7 @@ std::string normal_url(const std::string& url) {
     if (uri == nullptr) {
         return {};
     }
-    const CharPtr host(g_ascii_strdown(g_uri_get_host(uri) ? g_uri_get_host(uri) : "", -1));
+    const glib::TextPtr host(g_ascii_strdown(g_uri_get_host(uri) ? g_uri_get_host(uri) : "", -1));
     const int port = g_uri_get_port(uri);
     const std::string scheme = g_uri_get_scheme(uri);
     const bool usual = port <= 0 || port == (scheme == "https" ? 443 : 80);
@@ -180,7 +178,7 @@ std::optional<std::vector<std::string>> WebDavFolder::names_of(std::string_view 
         return names_along(href.substr(0, href.find_first_of("?#")));
     }
     if (!has_scheme(href)) {
-        const CharPtr resolved(
+        const glib::TextPtr resolved(
             g_uri_resolve_relative(url_.c_str(), std::string(href).c_str(), kUriFlags, nullptr));
         const std::string url = resolved ? normal_url(resolved.get()) : "";
         return origin_of(url) == origin_of(url_) ? names_along(path_of(url)) : std::nullopt;

@@ -41,7 +41,7 @@ std::vector<AttachedDrive> all_drives() {
 std::optional<std::string> attach(const std::string& directory) {
     char* path = nullptr;
     const int error = media_content_admin_attach(directory.c_str(), nullptr, &path);
-    const std::unique_ptr<char, Release<std::free>> owned(path);
+    const std::unique_ptr<char, support::Release<std::free>> owned(path);
     if (error != MEDIA_CONTENT_ERROR_NONE) {
         ENGINE_WARNING("cannot attach %s: error %d", directory.c_str(), error);
         return std::nullopt;
@@ -82,8 +82,8 @@ AttachedDrives::AttachedDrives(std::function<void()> changed) : changed_(std::mo
     const std::string root = platform_path_get(PLATFORM_PATH_MEDIA_ROOT);
     std::error_code ignored;  // a root that is not there is watched for in another way
     std::filesystem::create_directories(root, ignored);
-    const std::unique_ptr<GFile, Release<g_object_unref>> directory(g_file_new_for_path(root.c_str()));
-    ErrorOut error;
+    const glib::ObjectPtr<GFile> directory(g_file_new_for_path(root.c_str()));
+    glib::ErrorOut error;
     monitor_.reset(g_file_monitor_directory(directory.get(), G_FILE_MONITOR_NONE, nullptr, error));
     if (!monitor_) {
         ENGINE_WARNING("cannot watch %s: %s", root.c_str(), error.message());

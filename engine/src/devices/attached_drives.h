@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "engine/src/devices/volume.h"
-#include "engine/src/glib_ptr.h"
 #include "engine/src/media_connection.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
@@ -54,7 +54,7 @@ private:
     MediaConnection media_;
     std::map<std::string, std::string> kept_;  ///< mount points of volumes, with the ids of their drives
     bool leftovers_removed_ = false;
-    std::unique_ptr<GFileMonitor, Release<g_object_unref>> monitor_;
+    glib::ObjectPtr<GFileMonitor> monitor_;
 };
 
 }  // namespace engine

@@ -8,6 +8,7 @@
 
 #include "engine/src/devices/udev_devices.h"
 #include "engine/src/devices/volume.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
@@ -30,7 +31,7 @@ private:
 
     const UdevDevices& udev_;
     std::function<void()> changed_;
-    std::unique_ptr<GUnixMountMonitor, Release<g_object_unref>> monitor_;
+    glib::ObjectPtr<GUnixMountMonitor> monitor_;
 };
 
 }  // namespace engine

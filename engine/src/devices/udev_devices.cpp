@@ -12,7 +12,7 @@ namespace {
 constexpr char kDeviceDirectory[] = "/dev/";
 constexpr char kStillImageClass[] = "06";
 
-using DevicePtr = std::unique_ptr<GUdevDevice, Release<g_object_unref>>;
+using DevicePtr = glib::ObjectPtr<GUdevDevice>;
 
 std::string text(const char* value) {
     return value != nullptr ? value : "";

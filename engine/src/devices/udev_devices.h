@@ -9,7 +9,7 @@
 
 #include "engine/src/devices/device.h"
 #include "engine/src/devices/volume.h"
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
@@ -48,13 +48,13 @@ public:
     void describe(Volume& volume) const;
 
 private:
-    using DevicePtr = std::unique_ptr<GUdevDevice, Release<g_object_unref>>;
+    using DevicePtr = glib::ObjectPtr<GUdevDevice>;
 
     DevicePtr block_device(const std::string& device_file) const;
     static void on_uevent(GUdevClient* client, const char* action, GUdevDevice* device, void* self);
 
     std::function<void()> changed_;
-    std::unique_ptr<GUdevClient, Release<g_object_unref>> client_;
+    glib::ObjectPtr<GUdevClient> client_;
 };
 
 }  // namespace engine

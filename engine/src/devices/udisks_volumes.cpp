@@ -22,12 +22,12 @@ constexpr char kObjectsType[] = "(a{oa{sa{sv}}})";
 constexpr int kLongestAnswerMilliseconds = 2000;
 
 /// The properties of one interface of an object; null if the object has no such interface.
-VariantPtr properties_of(GVariant* interfaces, const char* interface) {
-    return VariantPtr(g_variant_lookup_value(interfaces, interface, G_VARIANT_TYPE_VARDICT));
+glib::VariantPtr properties_of(GVariant* interfaces, const char* interface) {
+    return glib::VariantPtr(g_variant_lookup_value(interfaces, interface, G_VARIANT_TYPE_VARDICT));
 }
 
 std::string text(GVariant* properties, const char* key) {
-    const VariantPtr value(g_variant_lookup_value(properties, key, nullptr));
+    const glib::VariantPtr value(g_variant_lookup_value(properties, key, nullptr));
     if (value && (g_variant_is_of_type(value.get(), G_VARIANT_TYPE_STRING) ||
                   g_variant_is_of_type(value.get(), G_VARIANT_TYPE_OBJECT_PATH))) {
         return g_variant_get_string(value.get(), nullptr);
@@ -39,31 +39,31 @@ std::string text(GVariant* properties, const char* key) {
 }
 
 bool flag(GVariant* properties, const char* key) {
-    const VariantPtr value(g_variant_lookup_value(properties, key, G_VARIANT_TYPE_BOOLEAN));
+    const glib::VariantPtr value(g_variant_lookup_value(properties, key, G_VARIANT_TYPE_BOOLEAN));
     return value && g_variant_get_boolean(value.get());
 }
 
 std::string first_mount_point(GVariant* filesystem) {
-    const VariantPtr points(
+    const glib::VariantPtr points(
         g_variant_lookup_value(filesystem, "MountPoints", G_VARIANT_TYPE_BYTESTRING_ARRAY));
     if (!points || g_variant_n_children(points.get()) == 0) {
         return {};
     }
-    const VariantPtr first(g_variant_get_child_value(points.get(), 0));
+    const glib::VariantPtr first(g_variant_get_child_value(points.get(), 0));
     return g_variant_get_bytestring(first.get());
 }
 
 /// The volume that an object is; nothing for one that is no file system of a drive that people plug in, or
 /// that is not mounted.
 std::optional<Volume> parse_volume(GVariant* objects, GVariant* interfaces) {
-    const VariantPtr block = properties_of(interfaces, kBlock);
-    const VariantPtr filesystem = properties_of(interfaces, kFilesystem);
+    const glib::VariantPtr block = properties_of(interfaces, kBlock);
+    const glib::VariantPtr filesystem = properties_of(interfaces, kFilesystem);
     if (!block || !filesystem || flag(block.get(), "HintIgnore")) {
         return std::nullopt;
     }
-    const VariantPtr drive_interfaces(
+    const glib::VariantPtr drive_interfaces(
         g_variant_lookup_value(objects, text(block.get(), "Drive").c_str(), nullptr));
-    const VariantPtr drive = drive_interfaces ? properties_of(drive_interfaces.get(), kDrive) : nullptr;
+    const glib::VariantPtr drive = drive_interfaces ? properties_of(drive_interfaces.get(), kDrive) : nullptr;
     const bool plugged = drive && !flag(drive.get(), "Optical") &&
                          (flag(drive.get(), "Removable") || text(drive.get(), "ConnectionBus") == "usb");
     const std::string mount_point = first_mount_point(filesystem.get());
@@ -82,14 +82,14 @@ std::optional<Volume> parse_volume(GVariant* objects, GVariant* interfaces) {
 }  // namespace
 
 Volumes parse_udisks_objects(GVariant* reply) {
-    const VariantPtr objects(g_variant_get_child_value(reply, 0));
+    const glib::VariantPtr objects(g_variant_get_child_value(reply, 0));
     Volumes volumes;
     GVariantIter iterator;
     g_variant_iter_init(&iterator, objects.get());
     const char* path = nullptr;
     GVariant* interfaces = nullptr;
     while (g_variant_iter_next(&iterator, "{&o@a{sa{sv}}}", &path, &interfaces)) {
-        const VariantPtr owned(interfaces);
+        const glib::VariantPtr owned(interfaces);
         if (auto volume = parse_volume(objects.get(), interfaces)) {
             volumes.push_back(std::move(*volume));
         }
@@ -162,8 +162,8 @@ void UDisksVolumes::ask() {
 
 void UDisksVolumes::on_reply(GObject* bus, GAsyncResult* result, void* self) {
     GError* error = nullptr;
-    const VariantPtr reply(g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error));
-    const std::unique_ptr<GError, Release<g_error_free>> owned(error);
+    const glib::VariantPtr reply(g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error));
+    const glib::ErrorPtr owned(error);
     // Who cancelled a question has forgotten it, or is gone.
     if (error == nullptr || !g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
         static_cast<UDisksVolumes*>(self)->take(reply.get(), error != nullptr ? error->message : "");

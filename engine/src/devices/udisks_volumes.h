@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "engine/src/devices/volume.h"
-#include "engine/src/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 namespace engine {
 
@@ -47,8 +47,8 @@ private:
     std::function<void()> changed_;
     State state_ = State::kUnknown;
     Volumes volumes_;
-    std::unique_ptr<GCancellable, Release<g_object_unref>> question_;  ///< the one that is open, or null
-    bool outdated_ = false;  ///< something changed after the open question had been sent
+    glib::ObjectPtr<GCancellable> question_;  ///< the one that is open, or null
+    bool outdated_ = false;                   ///< something changed after the open question had been sent
     unsigned watch_ = 0;
     std::vector<unsigned> subscriptions_;
 };

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "engine/src/engine_log.h"
-#include "engine/src/unique_fd.h"
 #include "media_content.h"
+#include "platform/files/descriptor.h"
 
 namespace engine {
 
@@ -69,7 +69,7 @@ public:
     }
 
 private:
-    const UniqueFd wake_;
+    const files::Descriptor wake_;
     std::mutex mutex_;  ///< covers `mails_`
     std::vector<Mail> mails_;
 };

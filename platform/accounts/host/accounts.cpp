@@ -18,12 +18,13 @@
 #include "platform/files/descriptor.h"
 #include "platform/files/file_lock.h"
 #include "platform/files/key_file.h"
+#include "platform/support/glib_ptr.h"
 
 namespace {
 
 using files::FileLock;
-using files::KeyFilePtr;
-using files::TextPtr;
+using glib::KeyFilePtr;
+using glib::TextPtr;
 
 constexpr size_t kLongestName = 128;
 constexpr size_t kLongestText = 4096;
@@ -279,8 +280,7 @@ int account_foreach(account_cb callback, void* user_data) {
     if (result != ACCOUNT_OK) {
         return result;
     }
-    const std::unique_ptr<gchar*, decltype(&g_strfreev)> groups(g_key_file_get_groups(file.get(), nullptr),
-                                                                g_strfreev);
+    const glib::TextsPtr groups(g_key_file_get_groups(file.get(), nullptr));
     bool go_on = true;
     for (gchar** group = groups.get(); go_on && *group != nullptr; ++group) {
         if (!hand_out(file.get(), *group, callback, user_data, go_on)) {

@@ -4,6 +4,7 @@
 #include "platform/nubelink/host/discovery.h"
 #include "platform/nubelink/host/log.h"
 #include "platform/nubelink/host/text.h"
+#include "platform/support/glib_ptr.h"
 
 namespace nbl {
 
@@ -15,7 +16,7 @@ constexpr unsigned kMostFailures = 3;
 constexpr unsigned kFirstPause = 300;  // Doubled with each failure.
 
 std::string host_of(const std::string& location) {
-    const UriPtr uri(g_uri_parse(location.c_str(), G_URI_FLAGS_PARSE_RELAXED, nullptr));
+    const glib::UriPtr uri(g_uri_parse(location.c_str(), G_URI_FLAGS_PARSE_RELAXED, nullptr));
     const char* host = uri != nullptr ? g_uri_get_host(uri.get()) : nullptr;
     return host != nullptr ? host : std::string();
 }

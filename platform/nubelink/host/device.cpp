@@ -2,6 +2,7 @@
 
 #include "platform/nubelink/host/text.h"
 #include "platform/nubelink/host/xml.h"
+#include "platform/support/glib_ptr.h"
 
 namespace nbl {
 
@@ -18,8 +19,8 @@ std::string content_directory_type(std::string_view type) {
 }
 
 std::string absolute_address(const std::string& base, std::string_view relative) {
-    const TextPtr resolved(g_uri_resolve_relative(base.c_str(), std::string(trimmed(relative)).c_str(),
-                                                  G_URI_FLAGS_PARSE_RELAXED, nullptr));
+    const glib::TextPtr resolved(g_uri_resolve_relative(base.c_str(), std::string(trimmed(relative)).c_str(),
+                                                        G_URI_FLAGS_PARSE_RELAXED, nullptr));
     return resolved != nullptr && is_web_address(resolved.get()) ? resolved.get() : std::string();
 }
 

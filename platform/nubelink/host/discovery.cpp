@@ -68,8 +68,8 @@ struct Discovery::Network {
     std::set<std::string> left;  ///< said goodbye, and have not been heard of since
     Timer again;
     bool asking_again = false;
-    const ObjectPtr<GUPnPContext> client;
-    const ObjectPtr<GSSDPResourceBrowser> browser;
+    const glib::ObjectPtr<GUPnPContext> client;
+    const glib::ObjectPtr<GSSDPResourceBrowser> browser;
 };
 
 Discovery::Network::Network(GUPnPContext* context, Announcements& to)

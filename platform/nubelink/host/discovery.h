@@ -11,6 +11,7 @@
 #include "platform/nubelink/host/device_table.h"
 #include "platform/nubelink/host/http_call.h"
 #include "platform/nubelink/host/worker.h"
+#include "platform/support/glib_ptr.h"
 
 typedef struct _GSSDPClient GSSDPClient;
 typedef struct _GSSDPResourceBrowser GSSDPResourceBrowser;
@@ -115,7 +116,7 @@ private:
     Timer first_search_;
     Timer look_again_;
     unsigned looks_ = 0;  ///< for networks, while none is found
-    ObjectPtr<GUPnPContextManager> manager_;
+    glib::ObjectPtr<GUPnPContextManager> manager_;
 };
 
 }  // namespace nbl

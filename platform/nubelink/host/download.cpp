@@ -13,6 +13,7 @@
 #include "platform/nubelink/host/log.h"
 #include "platform/nubelink/host/text.h"
 #include "platform/nubelink/host/worker.h"
+#include "platform/support/glib_ptr.h"
 
 namespace nbl {
 
@@ -67,7 +68,7 @@ private:
     void take_redirect();
     int error_of_head() const;
     void read_on();
-    void take_piece(BytesPtr piece);
+    void take_piece(glib::BytesPtr piece);
     int error_of_end();
     void be_patient();
     void tell_progress();
@@ -83,11 +84,11 @@ private:
     bool have_file_ = false;
     uint64_t received_ = 0;
     uint64_t total_ = 0;
-    BytesPtr piece_;
-    ObjectPtr<SoupMessage> message_;
-    ObjectPtr<GInputStream> from_;
-    ObjectPtr<GOutputStream> to_;
-    const ObjectPtr<GCancellable> cancel_{g_cancellable_new()};
+    glib::BytesPtr piece_;
+    glib::ObjectPtr<SoupMessage> message_;
+    glib::ObjectPtr<GInputStream> from_;
+    glib::ObjectPtr<GOutputStream> to_;
+    const glib::ObjectPtr<GCancellable> cancel_{g_cancellable_new()};
 };
 
 void Download::State::start() {
@@ -132,8 +133,8 @@ void Download::State::tell_progress() {
 
 void Download::State::on_sent(GObject* session, GAsyncResult* result, void* handed_out) {
     const Shared state = take_back(handed_out);
-    ErrorOut error;
-    ObjectPtr<GInputStream> stream(soup_session_send_finish(SOUP_SESSION(session), result, error));
+    glib::ErrorOut error;
+    glib::ObjectPtr<GInputStream> stream(soup_session_send_finish(SOUP_SESSION(session), result, error));
     if (state->report_ == nullptr) {
         return;
     }
@@ -165,10 +166,11 @@ void Download::State::take_head() {
 void Download::State::take_redirect() {
     const char* location =
         soup_message_headers_get_one(soup_message_get_response_headers(message_.get()), "Location");
-    const UriPtr target(location ? g_uri_parse_relative(soup_message_get_uri(message_.get()), location,
-                                                        static_cast<GUriFlags>(SOUP_HTTP_URI_FLAGS), nullptr)
-                                 : nullptr);
-    const TextPtr text(target ? g_uri_to_string(target.get()) : nullptr);
+    const glib::UriPtr target(location
+                                  ? g_uri_parse_relative(soup_message_get_uri(message_.get()), location,
+                                                         static_cast<GUriFlags>(SOUP_HTTP_URI_FLAGS), nullptr)
+                                  : nullptr);
+    const glib::TextPtr text(target ? g_uri_to_string(target.get()) : nullptr);
     if (text == nullptr || !is_web_address(text.get()) || ++redirects_ > kMostRedirects) {
         NBL_LOG_WARNING("a download is sent to \"%s\", which is not followed",
                         printable(location ? location : "").c_str());
@@ -201,8 +203,8 @@ void Download::State::read_on() {
 
 void Download::State::on_piece(GObject* stream, GAsyncResult* result, void* handed_out) {
     const Shared state = take_back(handed_out);
-    ErrorOut error;
-    BytesPtr piece(g_input_stream_read_bytes_finish(G_INPUT_STREAM(stream), result, error));
+    glib::ErrorOut error;
+    glib::BytesPtr piece(g_input_stream_read_bytes_finish(G_INPUT_STREAM(stream), result, error));
     if (state->report_ == nullptr) {
         return;
     }
@@ -213,7 +215,7 @@ void Download::State::on_piece(GObject* stream, GAsyncResult* result, void* hand
     state->take_piece(std::move(piece));
 }
 
-void Download::State::take_piece(BytesPtr piece) {
+void Download::State::take_piece(glib::BytesPtr piece) {
     const size_t size = g_bytes_get_size(piece.get());
     if (size == 0) {
         finish(error_of_end());
@@ -235,7 +237,7 @@ int Download::State::error_of_end() {
 
 void Download::State::on_written(GObject* stream, GAsyncResult* result, void* handed_out) {
     const Shared state = take_back(handed_out);
-    ErrorOut error;
+    glib::ErrorOut error;
     gsize written = 0;
     const bool all = g_output_stream_write_all_finish(G_OUTPUT_STREAM(stream), result, &written, error);
     if (state->report_ == nullptr) {

@@ -32,7 +32,7 @@ HttpClient::~HttpClient() {
 }
 
 bool is_web_address(const char* uri) {
-    const UriPtr parsed(g_uri_parse(uri, static_cast<GUriFlags>(SOUP_HTTP_URI_FLAGS), nullptr));
+    const glib::UriPtr parsed(g_uri_parse(uri, static_cast<GUriFlags>(SOUP_HTTP_URI_FLAGS), nullptr));
     if (parsed == nullptr) {
         return false;
     }
@@ -71,9 +71,9 @@ private:
     Done done_;
     HttpAnswer answer_;
     Timer deadline_;
-    ObjectPtr<SoupMessage> message_;
-    ObjectPtr<GInputStream> stream_;
-    const ObjectPtr<GCancellable> cancel_{g_cancellable_new()};
+    glib::ObjectPtr<SoupMessage> message_;
+    glib::ObjectPtr<GInputStream> stream_;
+    const glib::ObjectPtr<GCancellable> cancel_{g_cancellable_new()};
 };
 
 void HttpCall::State::start(const HttpQuestion& question) {
@@ -87,7 +87,7 @@ void HttpCall::State::start(const HttpQuestion& question) {
         soup_message_headers_append(headers, name.c_str(), value.c_str());
     }
     if (!question.body_type.empty()) {
-        const BytesPtr body(g_bytes_new(question.body.data(), question.body.size()));
+        const glib::BytesPtr body(g_bytes_new(question.body.data(), question.body.size()));
         soup_message_set_request_body_from_bytes(message_.get(), question.body_type.c_str(), body.get());
     }
     soup_message_add_flags(message_.get(), SOUP_MESSAGE_NO_REDIRECT);
@@ -100,7 +100,7 @@ void HttpCall::State::start(const HttpQuestion& question) {
 
 void HttpCall::State::on_sent(GObject* session, GAsyncResult* result, void* handed_out) {
     const Shared state = take_back(handed_out);
-    ErrorOut error;
+    glib::ErrorOut error;
     state->stream_.reset(soup_session_send_finish(SOUP_SESSION(session), result, error));
     if (state->done_ == nullptr) {
         state->stream_.reset();
@@ -121,8 +121,8 @@ void HttpCall::State::read_on() {
 
 void HttpCall::State::on_piece(GObject* stream, GAsyncResult* result, void* handed_out) {
     const Shared state = take_back(handed_out);
-    ErrorOut error;
-    const BytesPtr piece(g_input_stream_read_bytes_finish(G_INPUT_STREAM(stream), result, error));
+    glib::ErrorOut error;
+    const glib::BytesPtr piece(g_input_stream_read_bytes_finish(G_INPUT_STREAM(stream), result, error));
     if (state->done_ == nullptr) {
         state->stream_.reset();
         return;

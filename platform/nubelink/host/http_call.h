@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/nubelink/host/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 typedef struct _SoupSession SoupSession;
 
@@ -22,8 +22,8 @@ class Turns;
  * cookies, no credentials.
  *
  * Answers that are complete are handed over in turn. What a client asks for on account of the first is on its
- * way to the server then before the next is looked at: where several came together, the server has not to wait
- * for the last.
+ * way to the server then before the next is looked at: where several came together, the server has not to
+ * wait for the last.
  */
 class HttpClient {
 public:
@@ -38,7 +38,7 @@ public:
     Turns& turns() const { return *turns_; }
 
 private:
-    const ObjectPtr<SoupSession> session_;
+    const glib::ObjectPtr<SoupSession> session_;
     const std::unique_ptr<Turns> turns_;
 };
 

@@ -6,6 +6,7 @@
 #include "platform/files/file_lock.h"
 #include "platform/files/key_file.h"
 #include "platform/nubelink/host/log.h"
+#include "platform/support/glib_ptr.h"
 
 namespace nbl {
 
@@ -16,7 +17,7 @@ constexpr off_t kLargestFile = 32 << 20;
 constexpr mode_t kOwnerOnly = 0600;
 
 std::string escaped(std::string_view text) {
-    const files::TextPtr out(
+    const glib::TextPtr out(
         g_uri_escape_bytes(reinterpret_cast<const guint8*>(text.data()), text.size(), nullptr));
     return out.get();
 }
@@ -53,23 +54,22 @@ void PositionStore::refresh() {
 void PositionStore::read(const struct stat& status) {
     kept_.clear();
     seen_ = status;
-    const files::KeyFilePtr file(g_key_file_new());
+    const glib::KeyFilePtr file(g_key_file_new());
     if (!S_ISREG(status.st_mode) || status.st_size > kLargestFile ||
         !g_key_file_load_from_file(file.get(), path_.c_str(), G_KEY_FILE_NONE, nullptr)) {
         NBL_LOG_WARNING("positions cannot be read from %s", path_.c_str());
         return;
     }
     gsize count = 0;
-    gchar** keys = g_key_file_get_keys(file.get(), kGroup, &count, nullptr);
+    const glib::TextsPtr keys(g_key_file_get_keys(file.get(), kGroup, &count, nullptr));
     for (gsize i = 0; i < count; ++i) {
-        const files::TextPtr text(g_key_file_get_string(file.get(), kGroup, keys[i], nullptr));
+        const glib::TextPtr text(g_key_file_get_string(file.get(), kGroup, keys.get()[i], nullptr));
         char* rest = nullptr;
         const gint64 seconds = text ? g_ascii_strtoll(text.get(), &rest, 10) : 0;
         if (seconds > 0 && seconds <= G_MAXINT && *rest == ' ') {
-            kept_[keys[i]] = {static_cast<int>(seconds), g_ascii_strtoll(rest, nullptr, 10)};
+            kept_[keys.get()[i]] = {static_cast<int>(seconds), g_ascii_strtoll(rest, nullptr, 10)};
         }
     }
-    g_strfreev(keys);
 }
 
 bool PositionStore::keep(std::string_view device, std::string_view content, int seconds) {
@@ -77,7 +77,7 @@ bool PositionStore::keep(std::string_view device, std::string_view content, int 
         return false;
     }
     const std::lock_guard<std::mutex> guard(mutex_);
-    const files::TextPtr directory(g_path_get_dirname(path_.c_str()));
+    const glib::TextPtr directory(g_path_get_dirname(path_.c_str()));
     g_mkdir_with_parents(directory.get(), 0700);
     const files::FileLock lock = files::FileLock::on_file(path_ + ".lock");
     if (!lock.held()) {
@@ -104,7 +104,7 @@ void PositionStore::forget_oldest() {
 }
 
 bool PositionStore::write() {
-    const files::KeyFilePtr file(g_key_file_new());
+    const glib::KeyFilePtr file(g_key_file_new());
     for (const auto& [key, kept] : kept_) {
         g_key_file_set_string(file.get(), kGroup, key.c_str(),
                               (std::to_string(kept.seconds) + " " + std::to_string(kept.when)).c_str());

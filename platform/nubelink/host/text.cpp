@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cstring>
 
-#include "platform/nubelink/host/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 namespace nbl {
 
@@ -123,8 +123,8 @@ void mend_document(std::string& document) {
     const std::string encoding = declared_encoding(document);
     if (!encoding.empty() && g_ascii_strcasecmp(encoding.c_str(), "utf-8") != 0) {
         size_t size = 0;
-        const TextPtr converted(g_convert(document.data(), static_cast<gssize>(document.size()), "UTF-8",
-                                          encoding.c_str(), nullptr, &size, nullptr));
+        const glib::TextPtr converted(g_convert(document.data(), static_cast<gssize>(document.size()),
+                                                "UTF-8", encoding.c_str(), nullptr, &size, nullptr));
         if (converted != nullptr) {
             document.assign(converted.get(), size);
         }

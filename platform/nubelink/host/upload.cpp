@@ -13,6 +13,7 @@
 #include "platform/nubelink/host/text.h"
 #include "platform/nubelink/host/worker.h"
 #include "platform/nubelink/host/xml.h"
+#include "platform/support/glib_ptr.h"
 
 namespace nbl {
 
@@ -95,13 +96,13 @@ private:
     bool open_ = true;
     Timer patience_;
     Timer progress_;
-    ObjectPtr<GInputStream> content_;
+    glib::ObjectPtr<GInputStream> content_;
     int64_t size_ = -1;
     uint64_t sent_ = 0;
     std::string object_id_;  ///< as long as the object is to be taken away on a failure
     std::unique_ptr<SoapCall> create_;
-    ObjectPtr<SoupMessage> message_;
-    const ObjectPtr<GCancellable> cancel_{g_cancellable_new()};
+    glib::ObjectPtr<SoupMessage> message_;
+    const glib::ObjectPtr<GCancellable> cancel_{g_cancellable_new()};
 };
 
 Upload::State::~State() {
@@ -206,8 +207,9 @@ void Upload::State::tell_progress() {
 void Upload::State::on_sent(GObject* session, GAsyncResult* result, void* handed_out) {
     const std::unique_ptr<Shared> owner(static_cast<Shared*>(handed_out));
     const Shared state = *owner;
-    ErrorOut error;
-    const ObjectPtr<GInputStream> answer(soup_session_send_finish(SOUP_SESSION(session), result, error));
+    glib::ErrorOut error;
+    const glib::ObjectPtr<GInputStream> answer(
+        soup_session_send_finish(SOUP_SESSION(session), result, error));
     if (!state->open_) {
         return;
     }

@@ -4,9 +4,9 @@
 #include <iterator>
 #include <tuple>
 
-#include "platform/nubelink/host/glib_ptr.h"
 #include "platform/nubelink/host/item_values.h"
 #include "platform/nubelink/host/text.h"
+#include "platform/support/glib_ptr.h"
 
 namespace nbl {
 
@@ -22,7 +22,7 @@ using Name = std::string (*)(const nbl_item_s&);
 using Key = std::string (*)(const nbl_item_s&);
 
 std::string folded(std::string_view text) {
-    const TextPtr out(g_utf8_casefold(std::string(text).c_str(), -1));
+    const glib::TextPtr out(g_utf8_casefold(std::string(text).c_str(), -1));
     return out.get();
 }
 
@@ -37,10 +37,10 @@ std::string first_letters(const nbl_item_s& item, glong count) {
         return kUnknown;
     }
     const char* second = g_utf8_next_char(title.c_str());
-    const TextPtr capital(g_utf8_strup(title.c_str(), second - title.c_str()));
+    const glib::TextPtr capital(g_utf8_strup(title.c_str(), second - title.c_str()));
     std::string letters = capital.get();
     if (count > 1 && *second != '\0') {
-        const TextPtr rest(g_utf8_strdown(second, g_utf8_next_char(second) - second));
+        const glib::TextPtr rest(g_utf8_strdown(second, g_utf8_next_char(second) - second));
         letters += rest.get();
     }
     return letters;

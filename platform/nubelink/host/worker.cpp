@@ -30,7 +30,7 @@ void Worker::post(Task task) {
     const std::lock_guard<std::mutex> lock(mutex_);
     tasks_.push_back(std::move(task));
     if (tasks_.size() == 1) {
-        const SourcePtr source(g_idle_source_new());
+        const glib::SourcePtr source(g_idle_source_new());
         g_source_set_priority(source.get(), G_PRIORITY_DEFAULT);
         g_source_set_callback(source.get(), &Worker::on_tasks, this, nullptr);
         g_source_attach(source.get(), context_.get());
@@ -119,7 +119,7 @@ void Turns::arm() {
 }
 
 void Turns::disarm() {
-    for (SourcePtr* source : {&on_idle_, &on_wait_}) {
+    for (glib::SourcePtr* source : {&on_idle_, &on_wait_}) {
         if (*source != nullptr) {
             g_source_destroy(source->get());
             source->reset();

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <thread>
 
-#include "platform/nubelink/host/glib_ptr.h"
+#include "platform/support/glib_ptr.h"
 
 namespace nbl {
 
@@ -41,7 +41,7 @@ private:
     void run_tasks();
     void loop();
 
-    ContextPtr context_;
+    glib::ContextPtr context_;
     bool stop_ = false;       ///< of the thread alone
     std::mutex mutex_;        ///< held across no call
     std::deque<Task> tasks_;  // by mutex_
@@ -68,7 +68,7 @@ private:
     static int on_due(void* self);
 
     std::function<void()> due_;
-    SourcePtr source_;
+    glib::SourcePtr source_;
 };
 
 /**
@@ -96,8 +96,8 @@ private:
     const unsigned longest_wait_;
     std::deque<std::function<void()>> turns_;
     // While there are turns, whichever comes first.
-    SourcePtr on_idle_;
-    SourcePtr on_wait_;
+    glib::SourcePtr on_idle_;
+    glib::SourcePtr on_wait_;
 };
 
 }  // namespace nbl

@@ -7,15 +7,15 @@
 #include <climits>
 #include <string>
 
-#include "platform/nubelink/host/glib_ptr.h"
 #include "platform/nubelink/host/text.h"
+#include "platform/support/release.h"
 #include "xml_turn.h"
 
 namespace nbl {
 
 namespace {
 
-using ParserPtr = std::unique_ptr<xmlParserCtxt, Release<xmlFreeParserCtxt>>;
+using ParserPtr = std::unique_ptr<xmlParserCtxt, support::Release<xmlFreeParserCtxt>>;
 
 /// Somebody else in the process may clean up libxml2's global state, but not meanwhile.
 class XmlTurn {

@@ -61,11 +61,11 @@ InfoFile::LoadResult InfoFile::load(int descriptor) {
     }
     constexpr auto kKeepAll =
         static_cast<GKeyFileFlags>(G_KEY_FILE_KEEP_COMMENTS | G_KEY_FILE_KEEP_TRANSLATIONS);
-    files::KeyFilePtr file(g_key_file_new());
+    glib::KeyFilePtr file(g_key_file_new());
     if (!g_key_file_load_from_data(file.get(), content.data(), content.size(), kKeepAll, nullptr)) {
         return LoadResult::kUnreadable;
     }
-    const files::TextPtr group(g_key_file_get_start_group(file.get()));
+    const glib::TextPtr group(g_key_file_get_start_group(file.get()));
     if (!group) {
         return LoadResult::kUnreadable;
     }
@@ -85,8 +85,8 @@ void InfoFile::start() {
 }
 
 std::string InfoFile::text(const char* key) const {
-    const files::TextPtr value(file_ ? g_key_file_get_string(file_.get(), group_.c_str(), key, nullptr)
-                                     : nullptr);
+    const glib::TextPtr value(file_ ? g_key_file_get_string(file_.get(), group_.c_str(), key, nullptr)
+                                    : nullptr);
     return value ? value.get() : "";
 }
 

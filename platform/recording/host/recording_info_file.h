@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/files/key_file.h"
+#include "platform/support/glib_ptr.h"
 
 namespace recording {
 
@@ -51,7 +52,7 @@ public:
 private:
     LoadResult load(int descriptor);
 
-    files::KeyFilePtr file_;
+    glib::KeyFilePtr file_;
     std::string group_;
     mode_t rights_ = 0666;
     bool changed_ = false;

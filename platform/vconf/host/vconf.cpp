@@ -6,6 +6,7 @@
 
 #include "platform/files/file_lock.h"
 #include "platform/files/key_file.h"
+#include "platform/support/glib_ptr.h"
 
 namespace {
 
@@ -23,18 +24,15 @@ std::string file_path() {
 
 /// The name as a key file can hold it.
 std::string encoded(const char* key) {
-    const files::TextPtr text(g_uri_escape_string(key, "/", FALSE));
+    const glib::TextPtr text(g_uri_escape_string(key, "/", FALSE));
     return text.get();
 }
 
 /// Loads the values; an absent file counts as an empty one.
 bool load(GKeyFile* file) {
-    GError* error = nullptr;
-    const bool loaded =
-        g_key_file_load_from_file(file, file_path().c_str(), G_KEY_FILE_KEEP_COMMENTS, &error);
-    const bool absent = g_error_matches(error, G_FILE_ERROR, G_FILE_ERROR_NOENT);
-    g_clear_error(&error);
-    return loaded || absent;
+    glib::ErrorOut error;
+    return g_key_file_load_from_file(file, file_path().c_str(), G_KEY_FILE_KEEP_COMMENTS, error) ||
+           g_error_matches(error.get(), G_FILE_ERROR, G_FILE_ERROR_NOENT);
 }
 
 }  // namespace
@@ -43,7 +41,7 @@ int vconf_get_int(const char* key, int* value) {
     if (key == nullptr || *key == '\0' || value == nullptr) {
         return VCONF_ERROR_PARAM;
     }
-    const files::KeyFilePtr file(g_key_file_new());
+    const glib::KeyFilePtr file(g_key_file_new());
     if (!load(file.get())) {
         return VCONF_ERROR_READ;
     }
@@ -51,10 +49,9 @@ int vconf_get_int(const char* key, int* value) {
     if (!g_key_file_has_key(file.get(), kGroup, name.c_str(), nullptr)) {
         return VCONF_ERROR_NOT_SET;
     }
-    GError* error = nullptr;
-    const int stored = g_key_file_get_integer(file.get(), kGroup, name.c_str(), &error);
-    if (error != nullptr) {
-        g_error_free(error);
+    glib::ErrorOut error;
+    const int stored = g_key_file_get_integer(file.get(), kGroup, name.c_str(), error);
+    if (error.get() != nullptr) {
         return VCONF_ERROR_READ;
     }
     *value = stored;
@@ -72,7 +69,7 @@ int vconf_set_int(const char* key, int value) {
     if (!lock.held()) {
         return VCONF_ERROR_WRITE;
     }
-    const files::KeyFilePtr file(g_key_file_new());
+    const glib::KeyFilePtr file(g_key_file_new());
     if (!load(file.get())) {
         return VCONF_ERROR_READ;
     }

@@ -1,17 +1,18 @@
 #include <gtest/gtest.h>
 
 #include "engine/src/devices/udisks_volumes.h"
+#include "platform/support/glib_ptr.h"
 
-using engine::VariantPtr;
 using engine::Volumes;
+using glib::VariantPtr;
 
 namespace {
 
 /// The volumes in an object manager's answer, given in GVariant's text format.
 Volumes volumes_of(const std::string& objects) {
-    engine::ErrorOut error;
-    const VariantPtr answer(g_variant_parse(G_VARIANT_TYPE("(a{oa{sa{sv}}})"), ("(" + objects + ",)").c_str(),
-                                            nullptr, nullptr, error));
+    glib::ErrorOut error;
+    const glib::VariantPtr answer(g_variant_parse(G_VARIANT_TYPE("(a{oa{sa{sv}}})"),
+                                                  ("(" + objects + ",)").c_str(), nullptr, nullptr, error));
     EXPECT_TRUE(answer) << error.message();
     return answer ? engine::parse_udisks_objects(answer.get()) : Volumes();
 }

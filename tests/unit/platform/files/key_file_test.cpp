@@ -5,12 +5,13 @@
 
 #include <filesystem>
 
+#include "platform/support/glib_ptr.h"
 #include "tests/fakes/temp_dir.h"
 
 namespace {
 
-files::KeyFilePtr key_file(const char* value) {
-    files::KeyFilePtr file(g_key_file_new());
+glib::KeyFilePtr key_file(const char* value) {
+    glib::KeyFilePtr file(g_key_file_new());
     g_key_file_set_string(file.get(), "group", "key", value);
     return file;
 }
@@ -51,7 +52,7 @@ TEST_F(ReplaceKeyFile, WritesAnEmptyOne) {
     directory_.write("a.ini", "[group]\nkey=old\n");
 
     ASSERT_TRUE(
-        files::replace_key_file(files::KeyFilePtr(g_key_file_new()).get(), directory_.path("a.ini"), 0644));
+        files::replace_key_file(glib::KeyFilePtr(g_key_file_new()).get(), directory_.path("a.ini"), 0644));
 
     EXPECT_EQ(directory_.read("a.ini"), "");
 }
