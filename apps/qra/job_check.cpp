@@ -134,6 +134,11 @@ bool is_there(const std::string& path) {
     return stat(path.c_str(), &status) == 0;
 }
 
+bool is_link(const std::string& path) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
 std::uint64_t size_of(const std::string& path) {
     struct stat status {};
     return stat(path.c_str(), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
@@ -353,7 +358,8 @@ std::string PlannedCopies::add(const JobItem& item) {
     for (const std::string& source : companions_of(item)) {
         const std::string companion = stem_of(path) + source.substr(stem_of(source).size());
         const auto planned = sources_.find(key(companion));
-        if (is_there(companion) || (planned != sources_.end() && planned->second != source)) {
+        if (is_there(companion) || is_link(companion) ||
+            (planned != sources_.end() && planned->second != source)) {
             return "has a companion that would replace " + printable_text(companion);
         }
         taken.emplace(key(companion), source);
@@ -375,7 +381,7 @@ std::string removal_refusal(const JobItem& item) {
     if (lstat(item.path.c_str(), &file) != 0) {
         return "cannot be found: " + error_text(errno);
     }
-    if (S_ISLNK(file.st_mode) && !is_there(item.path)) {
+    if (is_link(item.path) && !is_there(item.path)) {
         return "is a link to a file that is not there";
     }
     const std::string directory = directory_of(item.path);

@@ -52,10 +52,19 @@ bool IsSameFile(const std::string& strOne, const std::string& strOther) {
            one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
+bool IsLink(const std::string& strPath) {
+    struct stat64 status {};
+    return lstat64(strPath.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
 bool CopyCompanion(const std::string& strSource, const std::string& strDest, char* pBuffer) {
     // The copy of "film" is "film.jpg": where it lies beside its source they share the companions.
     if (IsSameFile(strSource, strDest)) {
         return true;
+    }
+    // A link of the drive may lead to any file of this machine.
+    if (IsLink(strDest)) {
+        return false;
     }
     long long nSize = 0;
     CQRAFile64 source;
@@ -63,7 +72,8 @@ bool CopyCompanion(const std::string& strSource, const std::string& strDest, cha
     return CQRAFile64::FileSize(strSource.c_str(), &nSize) && source.Open(strSource.c_str(), 0, 0, true) &&
            CQRAFile64::Create(strDest.c_str()) &&
            CQRAFile64::FileExists(strDest.c_str()) &&  // nothing to wait for, such as a pipe
-           dest.Open(strDest.c_str(), 1, O_TRUNC, true) && CopyWhole(source, dest, pBuffer, nSize);
+           dest.Open(strDest.c_str(), 1, O_TRUNC | O_NOFOLLOW, true) &&
+           CopyWhole(source, dest, pBuffer, nSize);
 }
 
 bool IsInDatabase(int nFileType) {

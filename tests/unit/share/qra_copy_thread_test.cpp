@@ -149,6 +149,28 @@ TEST_F(CopyJob, ACompanionThatIsItsOwnCopyStaysWhole) {
     EXPECT_EQ(client_.milestones(), (Events{QRA_EVENT_BATCH_FILE_DONE, QRA_EVENT_BATCH_FINISHED}));
 }
 
+TEST_F(CopyJob, ACompanionIsNotWrittenThroughALink) {
+    select("movie.avi", "movie", QRA_MEDIA_TYPE_VIDEO);
+    dir_.write("source/movie.srt", "subtitles");
+    dir_.write("elsewhere", "other data");
+    fs::create_directories(dest_ + "/VIDEO");
+    for (const char* target : {"elsewhere", "missing"}) {
+        fs::remove(dest_ + "/VIDEO/movie.avi");
+        fs::remove(dest_ + "/VIDEO/movie.srt");
+        fs::create_symlink(dir_.path(target), dest_ + "/VIDEO/movie.srt");
+        BatchClient client;
+        CQRASendHandle* job = nullptr;
+        ASSERT_EQ(qra_batch_process_v2(QRA_PROCESSOR_TYPE_COPY, &param_, list_, client.param(), &job),
+                  QRA_ERROR_NONE);
+        EXPECT_TRUE(client.wait_for_end());
+        EXPECT_EQ(qra_stop_batch_process_v2(job), QRA_ERROR_NONE);
+        EXPECT_EQ(client.count(QRA_EVENT_BATCH_FILE_DONE), 1);
+    }
+    EXPECT_EQ(copy_of("VIDEO/movie.avi"), "movie");
+    EXPECT_EQ(dir_.read("elsewhere"), "other data");
+    EXPECT_FALSE(fs::exists(dir_.path("missing")));
+}
+
 TEST_F(CopyJob, DoesNotWaitForACompanionThatIsAPipe) {
     select("movie.avi", "movie", QRA_MEDIA_TYPE_VIDEO);
     dir_.write("source/movie.srt", "subtitles");

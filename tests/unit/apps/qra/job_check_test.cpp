@@ -177,6 +177,9 @@ TEST_F(JobCheck, CompanionReplacesNoFile) {
     EXPECT_EQ(place_refusal(film), "");
     directory_.write("VIDEO/film_001.srt", "of nothing");
     EXPECT_THAT(place_refusal(film), HasSubstr("VIDEO/film_001.srt"));
+    std::filesystem::remove(directory_.path("VIDEO/film_001.srt"));
+    std::filesystem::create_symlink("missing", directory_.path("VIDEO/film_001.srt"));
+    EXPECT_THAT(place_refusal(film), HasSubstr("VIDEO/film_001.srt"));
 
     film.media_type = QRA_MEDIA_TYPE_IMAGE;
     EXPECT_EQ(place_refusal(film), "");
