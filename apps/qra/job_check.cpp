@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gio/gunixmounts.h>
 #include <qra/qra_types.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -209,6 +210,15 @@ std::string windows_name_refusal(const std::string& name) {
                : "";
 }
 
+std::string size_refusal(std::uint64_t size, const TargetLimits& limits) {
+    if (limits.largest_file != 0 && size > limits.largest_file) {
+        return "is too large: " + limits.file_system + " holds files of less than 4 GiB";
+    }
+    return limits.user_limit != 0 && size > limits.user_limit
+               ? "is too large: you limit files to " + readable_size(limits.user_limit) + " (ulimit -f)"
+               : "";
+}
+
 std::string name_refusal(const std::string& name, const TargetLimits& limits) {
     if (limits.longest_name != 0 && name.size() > limits.longest_name) {
         return "has a name that is too long for the target";
@@ -265,6 +275,10 @@ TargetLimits target_limits(const std::string& directory) {
     limits.free_bytes = std::uint64_t{status.f_bavail} * status.f_frsize;
     limits.block_bytes = std::max<std::uint64_t>(status.f_frsize, 1);
     limits.longest_name = status.f_namemax;
+    struct rlimit written {};
+    if (getrlimit(RLIMIT_FSIZE, &written) == 0 && written.rlim_cur != RLIM_INFINITY) {
+        limits.user_limit = written.rlim_cur;
+    }
     const std::unique_ptr<GUnixMountEntry, decltype(&g_unix_mount_free)> mount(
         g_unix_mount_for(directory.c_str(), nullptr), &g_unix_mount_free);
     if (mount) {
@@ -317,8 +331,15 @@ std::string source_refusal(const JobItem& item) {
 }
 
 std::string limit_refusal(const JobItem& item, const TargetLimits& limits) {
-    if (limits.largest_file != 0 && item.size > limits.largest_file) {
-        return "is too large: " + limits.file_system + " holds files of less than 4 GiB";
+    const std::string refusal = size_refusal(item.size, limits);
+    if (!refusal.empty()) {
+        return refusal;
+    }
+    for (const std::string& companion : companions_of(item)) {
+        const std::string of_companion = size_refusal(size_of(companion), limits);
+        if (!of_companion.empty()) {
+            return "has a companion that " + of_companion;
+        }
     }
     return name_refusal(name_of_copy(item.name), limits);
 }

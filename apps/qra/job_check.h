@@ -22,6 +22,7 @@ struct TargetLimits {
     std::uint64_t free_bytes = 0;    ///< for this user
     std::uint64_t block_bytes = 1;   ///< what a file of one byte takes
     std::uint64_t largest_file = 0;  ///< 0: no limit that matters
+    std::uint64_t user_limit = 0;    ///< bytes that the user lets a file have (ulimit -f); 0: no limit
     std::size_t longest_name = 0;    ///< in bytes; 0: not known
     bool windows_names =
         false;  ///< UTF-8 of at most 255 UTF-16 units, without the signs that Windows forbids

@@ -9,7 +9,9 @@
 
 int main(int argc, char** argv) {
     interrupt::install();
+    // A write that cannot be is an error of the call, which is told.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     std::setlocale(LC_CTYPE, "");
     // The library's log goes to stderr, where our own messages stand; whoever wants it says so.
     setenv("QRA_LOG", "off", 0);

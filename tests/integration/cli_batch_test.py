@@ -5,6 +5,7 @@ Usage: cli_batch_test.py QRA ENGINE MAKE_RECORDING [TEST...]
 """
 import json
 import os
+import resource
 import signal
 import subprocess
 import sys
@@ -239,6 +240,17 @@ class CopyCheckTest(JobTest):
         result = self.copy("2-3", "--no-scan", "--json", status=FAILED)
         self.assertRegex(self.left_out(result)["film.mp4"], "another size")
         self.assertEqual(["PHOTO/IMG_1.png"], self.files(self.target))
+
+    def test_file_that_the_user_limits_do_not_allow_is_left_out(self):
+        sparse(self.tree / "large.mp4", 17 << 20)
+        limit = 16 << 20  # more than the media database takes
+        command = [QRA, "copy", self.tree, "--select", "DISPLAY_NAME=*.mp4", "--to", self.target, "--json"]
+        result = subprocess.run(command, env=self.environment, stdin=subprocess.DEVNULL, capture_output=True,
+                                timeout=120,
+                                preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit)))
+        self.assertEqual(FAILED, result.returncode, result)
+        self.assertRegex(self.left_out(result)["large.mp4"], r"you limit files to 17 MB \(ulimit -f\)")
+        self.assertEqual(["VIDEO/film.mp4", "VIDEO/film.srt"], self.files(self.target))
 
     def test_title_that_has_no_folder_is_left_out(self):
         (self.tree / "movie.um4").write_text("uhd")

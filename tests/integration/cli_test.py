@@ -6,6 +6,7 @@ Usage: cli_test.py QRA ENGINE ITEM_TEXTS LIST_FOLDER WITH_BUS [TEST...]
 import json
 import os
 import re
+import resource
 import shutil
 import signal
 import socket
@@ -142,6 +143,16 @@ class DriveTest(ToolTest):
             result = subprocess.run([QRA, "storages"], env=self.environment, stdout=full, stderr=subprocess.PIPE)
         self.assertEqual(FAILED, result.returncode)
         self.assertIn(b"No space left on device", result.stderr)
+
+    def test_output_that_the_user_limits_do_not_allow_is_told(self):
+        self.qra("attach", self.tree)
+        limit = 16 << 20  # more than the media database takes
+        with open(self.directory / "output", "ab") as output:
+            output.truncate(limit)
+            result = subprocess.run([QRA, "storages"], env=self.environment, stdout=output, stderr=subprocess.PIPE,
+                                    preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit)))
+        self.assertEqual(FAILED, result.returncode)
+        self.assertIn(b"File too large", result.stderr)
 
     def test_reader_that_has_gone_ends_the_tool_quietly(self):
         self.qra("attach", self.tree)

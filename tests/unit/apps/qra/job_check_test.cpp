@@ -283,6 +283,20 @@ TEST_F(JobCheck, FatHoldsNoFileOfFourGibibytes) {
     EXPECT_EQ(limit_refusal(item_named("a.avi", 100 * kGiB), TargetLimits()), "");
 }
 
+TEST_F(JobCheck, FileIsNoLargerThanTheUserAllows) {
+    TargetLimits limits;
+    limits.user_limit = 2000000;
+    EXPECT_EQ(limit_refusal(item_named("a.avi", 2000000), limits), "");
+    EXPECT_THAT(limit_refusal(item_named("a.avi", 2000001), limits), HasSubstr("2.0 MB"));
+
+    limits.user_limit = 7;
+    JobItem film = item("film.avi", "content");
+    film.media_type = QRA_MEDIA_TYPE_VIDEO;
+    EXPECT_EQ(limit_refusal(film, limits), "");
+    directory_.write("film.srt", "subtitles");
+    EXPECT_THAT(limit_refusal(film, limits), StartsWith("has a companion that is too large"));
+}
+
 TEST_F(JobCheck, WindowsFileSystemsForbidSigns) {
     for (const char* name : {"a?.jpg", "a:b.jpg", "a*.jpg", "a\"b.jpg", "<a>.jpg", "a|b.jpg", "a\nb.jpg",
                              "a.jpg ", "\xff.jpg"}) {
