@@ -9,6 +9,7 @@
 #include "accounts.h"
 #include "apps/qra/command_line.h"
 #include "apps/qra/commands.h"
+#include "apps/qra/json_text.h"
 #include "apps/qra/output.h"
 #include "apps/qra/terminal_text.h"
 
@@ -74,15 +75,13 @@ std::vector<AccountLine> all_accounts() {
     return accounts;
 }
 
-std::string json_text(const AccountLine& account) {
+Json::Value json_of(const AccountLine& account) {
     Json::Value object(Json::objectValue);
     object["name"] = account.name;
     object["plugin"] = account.plugin;
     object["address"] = account.address;
     object["user"] = account.user;
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    return Json::writeString(builder, object) + "\n";
+    return object;
 }
 
 }  // namespace
@@ -99,7 +98,7 @@ void run_account_list(const CommandLine& line) {
     const std::vector<AccountLine> accounts = all_accounts();
     if (line.json) {
         for (const AccountLine& account : accounts) {
-            print(json_text(account));
+            print_json(json_of(account));
         }
         return;
     }

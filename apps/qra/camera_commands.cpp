@@ -15,17 +15,12 @@
 #include "apps/qra/commands.h"
 #include "apps/qra/interrupt.h"
 #include "apps/qra/job_progress.h"
+#include "apps/qra/json_text.h"
 #include "apps/qra/output.h"
 #include "apps/qra/status_line.h"
 #include "apps/qra/terminal_text.h"
 
 namespace {
-
-void print_json(const Json::Value& object) {
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    print(Json::writeString(builder, object) + "\n");
-}
 
 Json::Value json_of(const CameraObject& object) {
     Json::Value json(Json::objectValue);

@@ -11,6 +11,7 @@
 #include "apps/qra/command_line.h"
 #include "apps/qra/commands.h"
 #include "apps/qra/item_act.h"
+#include "apps/qra/json_text.h"
 #include "apps/qra/list_output.h"
 #include "apps/qra/output.h"
 #include "apps/qra/remote_list.h"
@@ -26,9 +27,8 @@ std::string headline(const CommandLine& line, int count) {
 }
 
 Json::Value read_object(const std::string& text) {
-    Json::Value value;
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    if (!reader->parse(text.data(), text.data() + text.size(), &value, nullptr) || !value.isObject()) {
+    Json::Value value = read_json_object(text);
+    if (value.isNull()) {
         throw CommandError(ExitStatus::RequestFailed, "the engine's answer cannot be read");
     }
     return value;
@@ -48,10 +48,7 @@ std::string value_text(const Json::Value& value) {
     if (value.isString()) {
         return value.asString();
     }
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    builder["emitUTF8"] = true;
-    return Json::writeString(builder, value);
+    return json_text(value, JsonCharacters::Utf8);
 }
 
 std::string shown_value(const std::string& name, const Json::Value& value) {

@@ -14,6 +14,7 @@
 #include "apps/qra/commands.h"
 #include "apps/qra/directory_path.h"
 #include "apps/qra/engine_access.h"
+#include "apps/qra/json_text.h"
 #include "apps/qra/main_loop_thread.h"
 #include "apps/qra/media_drives.h"
 #include "apps/qra/media_path.h"
@@ -46,9 +47,7 @@ void print_check(const std::string& path, const CheckResult& result) {
     object["path"] = path;
     object["event"] = result.event;
     object["text"] = result.text;
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    print(Json::writeString(builder, object) + "\n");
+    print_json(object);
 }
 
 bool on_thumb(void* answers, CQRAFolderThumbHandle*, const char* text) {
@@ -95,10 +94,8 @@ constexpr int kShowsFolders = 1;
 
 /// @throws CommandError if it is none, or tells of a failure
 Json::Value read_thumb(const std::string& text) {
-    Json::Value thumb;
-    std::string problem;
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    if (!reader->parse(text.data(), text.data() + text.size(), &thumb, &problem) || !thumb.isObject()) {
+    Json::Value thumb = read_json_object(text);
+    if (thumb.isNull()) {
         throw CommandError(ExitStatus::RequestFailed, "the answer cannot be read");
     }
     const Json::Value& code = thumb["qra_folder_thumbnail_error_code"];

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "apps/qra/json_text.h"
 #include "apps/qra/terminal_text.h"
 
 namespace {
@@ -107,7 +108,5 @@ std::string device_json(const DeviceLine& device) {
     object["deviceBus"] = device.bus;
     object["deviceAddress"] = device.address;
     object["deviceIndex"] = device.index;
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    return Json::writeString(builder, object) + "\n";
+    return json_text(object) + "\n";
 }

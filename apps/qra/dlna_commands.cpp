@@ -24,6 +24,7 @@
 #include "apps/qra/interrupt.h"
 #include "apps/qra/item_value.h"
 #include "apps/qra/job_output.h"
+#include "apps/qra/json_text.h"
 #include "apps/qra/output.h"
 #include "apps/qra/request_error.h"
 #include "apps/qra/server_questions.h"
@@ -325,7 +326,5 @@ void run_dlna_bookmark(const CommandLine& line) {
     Json::Value object(Json::objectValue);
     object["id"] = read_text(request.handle(), "ID_QRA");
     object["seconds"] = seconds;
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    print(Json::writeString(builder, object) + "\n");
+    print_json(object);
 }

@@ -9,6 +9,7 @@
 
 #include "apps/qra/exit_status.h"
 #include "apps/qra/interrupt.h"
+#include "apps/qra/json_text.h"
 #include "apps/qra/request_error.h"
 #include "apps/qra/terminal_text.h"
 
@@ -126,7 +127,5 @@ std::string server_json(const ServerLine& server) {
     object["name"] = server.name;
     object["address"] = server.address;
     object["own_maker"] = server.own_maker;
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    return Json::writeString(builder, object) + "\n";
+    return json_text(object) + "\n";
 }

@@ -7,6 +7,7 @@
 
 #include "apps/qra/engine_access.h"
 #include "apps/qra/exit_status.h"
+#include "apps/qra/json_text.h"
 #include "apps/qra/terminal_text.h"
 
 namespace {
@@ -24,13 +25,6 @@ constexpr int kActFailed = 7;
     g_error_free(error);
     throw CommandError(refused ? ExitStatus::RequestFailed : ExitStatus::ServiceMissing,
                        refused ? text : "the content engine does not answer: " + text);
-}
-
-Json::Value read_completion(const std::string& text) {
-    Json::Value value;
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    const bool read = reader->parse(text.data(), text.data() + text.size(), &value, nullptr);
-    return read && value.isObject() ? value : Json::Value(Json::objectValue);
 }
 
 }  // namespace
@@ -58,11 +52,9 @@ ItemActs::~ItemActs() {
 void ItemActs::perform(Json::Value request, std::chrono::seconds longest_wait) {
     const std::unique_ptr<char, decltype(&g_free)> number(g_uuid_string_random(), &g_free);
     request[kRequestKey] = number.get();
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    call("request_act", g_variant_new("(uss)", id_, "", Json::writeString(builder, request).c_str()), "()");
+    call("request_act", g_variant_new("(uss)", id_, "", json_text(request).c_str()), "()");
     for (;;) {
-        const Json::Value answer = read_completion(completions_.next_within(longest_wait));
+        const Json::Value answer = read_json_object(completions_.next_within(longest_wait));
         const bool is_ours = answer[kRequestKey] == number.get();
         if (is_ours && answer["qra_event_type"] == kActDone) {
             return;

@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "apps/qra/json_text.h"
 #include "apps/qra/output.h"
 #include "apps/qra/terminal_text.h"
 
@@ -47,9 +48,7 @@ public:
     }
 
     void send() const {
-        Json::StreamWriterBuilder builder;
-        builder["indentation"] = "";
-        print(Json::writeString(builder, object_) + "\n");
+        print_json(object_);
         flush_output();
     }
 

@@ -17,6 +17,7 @@
 #include "apps/qra/command_line.h"
 #include "apps/qra/commands.h"
 #include "apps/qra/item_value.h"
+#include "apps/qra/json_text.h"
 #include "apps/qra/list_output.h"
 #include "apps/qra/output.h"
 #include "apps/qra/terminal_text.h"
@@ -44,11 +45,9 @@ CommandLine list_line(const CommandLine& line, const fs::path& file) {
     }
     Json::Value names(Json::objectValue);
     names["param_media_extension_video"].append(extension.substr(1));
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
     CommandLine list = line;
     list.path = file.parent_path().string();
-    list.list.extension = Json::writeString(builder, names);
+    list.list.extension = json_text(names);
     list.list.uhd = true;
     list.list.mask = kMedia;
     return list;
@@ -106,14 +105,12 @@ void move_to_file(ListRequest& request, const CommandLine& line, const std::stri
                        printable_text(line.path) + ": the media database has no such file");
 }
 
-void print_json(const Values& values) {
+void print_object(const Values& values) {
     Json::Value object(Json::objectValue);
     for (const auto& [field, value] : values) {
         object[field] = std::visit([](const auto& content) { return Json::Value(content); }, value);
     }
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    print(Json::writeString(builder, object) + "\n");
+    print_json(object);
 }
 
 void print_table(const Values& values) {
@@ -142,5 +139,5 @@ void run_package(const CommandLine& line) {
         throw CommandError(ExitStatus::RequestFailed,
                            printable_text(line.path) + ": this file tells nothing of a film");
     }
-    line.json ? print_json(values) : print_table(values);
+    line.json ? print_object(values) : print_table(values);
 }

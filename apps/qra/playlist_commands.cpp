@@ -12,6 +12,7 @@
 #include "apps/qra/command_line.h"
 #include "apps/qra/commands.h"
 #include "apps/qra/confirmation.h"
+#include "apps/qra/json_text.h"
 #include "apps/qra/open_playlist.h"
 #include "apps/qra/output.h"
 #include "apps/qra/playlist_files.h"
@@ -21,20 +22,13 @@
 
 namespace {
 
-void print_json(const Json::Value& object) {
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    builder["emitUTF8"] = true;
-    print(Json::writeString(builder, object) + "\n");
-}
-
 /// What a command did, for programs.
 void report(const CommandLine& line, const char* what, const PlaylistPlace& place) {
     if (line.json) {
         Json::Value object(Json::objectValue);
         object["done"] = what;
         object["playlist"] = printable_text(place.name);
-        print_json(object);
+        print_json(object, JsonCharacters::Utf8);
     }
 }
 
@@ -98,7 +92,7 @@ void run_playlist_list(const CommandLine& line) {
             object["DISPLAY_NAME"] = printable_text(playlist.name);
             object["FILE_PATH"] = printable_text(directory + "/" + playlist.file);
             object["SONGS_COUNT"] = playlist.items;
-            print_json(object);
+            print_json(object, JsonCharacters::Utf8);
         } else {
             print((playlist.name.empty() ? "(no name)" : printable_text(playlist.name)) + "  " +
                   std::to_string(playlist.items) + (playlist.items == 1 ? " item\n" : " items\n"));
@@ -168,7 +162,7 @@ void run_playlist_check(const CommandLine& line) {
             object["INDEX"] = finding.index;
             object["problem"] = finding.what;
             object["FILE_PATH"] = printable_text(finding.path);
-            print_json(object);
+            print_json(object, JsonCharacters::Utf8);
         } else {
             print(std::to_string(finding.index) + "  " + finding.what + "  " + printable_text(finding.path) +
                   "\n");

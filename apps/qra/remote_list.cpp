@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "apps/qra/exit_status.h"
+#include "apps/qra/json_text.h"
 #include "apps/qra/output.h"
 #include "apps/qra/request_error.h"
 #include "apps/qra/request_params.h"
@@ -28,11 +29,9 @@ std::string with_line_feed(std::string text) {
 
 /// Why a detail failed, as its answer tells.
 std::string reason_of(const std::string& answer) {
-    Json::Value value;
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    const bool read = reader->parse(answer.data(), answer.data() + answer.size(), &value, nullptr);
-    const bool told = read && value.isObject() && value["ERROR_TEXT"].isString();
-    return told ? printable_text(value["ERROR_TEXT"].asString()) : "the service gave no reason";
+    const Json::Value value = read_json_object(answer);
+    const Json::Value& reason = value["ERROR_TEXT"];
+    return reason.isString() ? printable_text(reason.asString()) : "the service gave no reason";
 }
 
 }  // namespace

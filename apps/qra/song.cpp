@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "apps/qra/item_value.h"
+#include "apps/qra/json_text.h"
 
 namespace {
 
@@ -175,8 +176,5 @@ std::string json_of(const Song& song, int index) {
         object[field.name] = song.*field.value;
     }
     object["IS_DRM"] = song.is_drm;
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    builder["emitUTF8"] = true;
-    return Json::writeString(builder, object) + "\n";
+    return json_text(object, JsonCharacters::Utf8) + "\n";
 }

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "engine/src/json_text.h"
+
 namespace engine {
 
 namespace {
@@ -26,14 +28,6 @@ Json::Value record_of(const Device& device) {
     return record;
 }
 
-/// In ASCII: what devices call themselves is not always UTF-8, and the bus takes nothing else.
-std::string write(const Json::Value& value) {
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    builder["emitUTF8"] = false;
-    return Json::writeString(builder, value);
-}
-
 Json::Value list_of(const Devices& devices) {
     Json::Value list(Json::objectValue);
     list["devices"] = Json::Value(Json::arrayValue);
@@ -46,13 +40,13 @@ Json::Value list_of(const Devices& devices) {
 }  // namespace
 
 std::string devices_text(const Devices& devices) {
-    return write(list_of(devices));
+    return to_json_text(list_of(devices));
 }
 
 std::string notification_text(DeviceEvent event, const Device& device) {
     Json::Value notification = list_of({device});
     notification["event"] = static_cast<int>(event);
-    return write(notification);
+    return to_json_text(notification);
 }
 
 std::string file_system_name(const std::string& system_name) {
