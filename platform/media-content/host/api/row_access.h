@@ -89,7 +89,8 @@ int read_value(const char* function, Handle handle, Value column, Out* out) {
 
 template <typename Handle>
 int read_id(const char* function, Handle handle, char** id) {
-    return read_row(function, handle, id, [](Row& row) { return duplicate(std::to_string(row.id)); });
+    return read_row(function, handle, id,
+                    [](Row& row) { return duplicate(std::to_string(row.set->id(row))); });
 }
 
 template <typename Handle>

@@ -2,10 +2,12 @@
 
 #include <sys/stat.h>
 
+#include <chrono>
 #include <ctime>
 #include <filesystem>
 #include <utility>
 
+#include "platform/media-content/host/database/new_rows.h"
 #include "platform/media-content/host/database/schema.h"
 #include "platform/media-content/host/log.h"
 #include "platform_paths.h"
@@ -16,6 +18,9 @@ namespace {
 
 // More than these are closed when they come back: each keeps its page cache.
 constexpr size_t kMostIdleReaders = 4;
+
+// A list without the newest file is better than none, where another process does not let go of the database.
+constexpr std::chrono::seconds kPatience{1};
 
 void make_directory_of(const std::string& path) {
     std::error_code error;
@@ -86,9 +91,11 @@ Connected& connected() {
 Database::Database(std::string path) : path_(std::move(path)) {
     make_directory_of(path_);
     writer_ = open_writer(path_);
+    new_rows_ = std::make_unique<NewRows>(*this);
 }
 
 Database::~Database() {
+    new_rows_.reset();
     idle_.clear();
     writer_.reset();
     if (damaged_ && is_damaged(path_)) {
@@ -101,7 +108,10 @@ void Database::trim() {
     sqlite3_db_release_memory(writer_->handle());
 }
 
-Database::ReadLease::ReadLease(Database& database) : database_(database) {
+Database::ReadLease::ReadLease(Database& database, LateRows late_rows) : database_(database) {
+    if (late_rows == LateRows::kAwaited) {
+        database.new_rows_->settle(kPatience);
+    }
     {
         const std::lock_guard<std::mutex> lock(database.pool_mutex_);
         if (!database.idle_.empty()) {

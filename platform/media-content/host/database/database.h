@@ -11,12 +11,15 @@
 
 namespace media_content {
 
+class NewRows;
+
 /**
  * The open database of this process: a pool of connections for reading, and one for writing. Readers and the
- * writer do not wait for each other.
+ * writer do not wait for each other; only for the rows of single new files a reader does.
  *
  * Any thread may call anything. A lease keeps its connection for one thread until it is destroyed; leases may
- * be nested, also in a row callback, but for WriteLease, of which a thread may have one.
+ * be nested, also in a row callback, but for WriteLease, of which a thread may have one, with no new
+ * ReadLease meanwhile.
  */
 class Database {
 public:
@@ -29,9 +32,12 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
+    /// Whether a reader waits for the rows of files that were entered just before.
+    enum class LateRows { kAwaited, kIgnored };
+
     class ReadLease {
     public:
-        explicit ReadLease(Database& database);
+        explicit ReadLease(Database& database, LateRows late_rows = LateRows::kAwaited);
         ~ReadLease();
         ReadLease(const ReadLease&) = delete;
         ReadLease& operator=(const ReadLease&) = delete;
@@ -40,19 +46,6 @@ public:
     private:
         Database& database_;
         std::unique_ptr<SqliteConnection> connection_;
-    };
-
-    /// The writer's connection between two transactions, for a look before a change: it knows the pages that
-    /// it wrote itself, which a reader has to read anew after each commit. To be kept short, and counts as a
-    /// WriteLease.
-    class WriterReadLease {
-    public:
-        explicit WriterReadLease(Database& database) : database_(database), lock_(database.write_mutex_) {}
-        SqliteConnection& connection() { return *database_.writer_; }
-
-    private:
-        Database& database_;
-        std::lock_guard<std::mutex> lock_;
     };
 
     /// A transaction of the writer: rolled back unless it is committed. To be kept short, as other writers
@@ -72,6 +65,9 @@ public:
         bool open_ = true;
     };
 
+    /// Where single files are entered.
+    NewRows& new_rows() { return *new_rows_; }
+
     /// Gives back memory that the writer keeps for its next batch: for the end of a scan.
     void trim();
 
@@ -88,6 +84,7 @@ private:
     std::unique_ptr<SqliteConnection> writer_;  // guarded by write_mutex_
     std::mutex pool_mutex_;
     std::vector<std::unique_ptr<SqliteConnection>> idle_;  // guarded by pool_mutex_
+    std::unique_ptr<NewRows> new_rows_;
 };
 
 /// The file that all processes share.

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <memory>
 
-#include "platform/media-content/host/database/media_writer.h"
+#include "platform/media-content/host/database/new_rows.h"
 #include "platform/media-content/host/log.h"
 #include "platform/media-content/host/metadata/metadata_reader.h"
 #include "platform/media-content/host/query/media_list.h"
@@ -34,7 +34,7 @@ MediaError no_such_file(const std::string& path) {
 
 StoragePath place_of(Database& database, const std::string& path) {
     std::optional<StoragePath> place = [&] {
-        Database::WriterReadLease lease(database);
+        Database::ReadLease lease(database, Database::LateRows::kIgnored);
         return locate(lease.connection(), path);
     }();
     if (!place || place->relative.empty() || !is_mounted(place->storage)) {
@@ -90,16 +90,6 @@ MediaRecord read_record(const OpenFile& file, const MediaType& type, const std::
     return record;
 }
 
-int64_t write_row(Database& database, const OpenFile& file, const MediaRecord& record) {
-    MediaWriter writer(database);
-    // A folder that the scanner knows is left as it is: whether its other files are up to date is not known
-    // here.
-    const int64_t folder = writer.known_or_new_folder(file.folder.storage.key, file.folder.relative);
-    const int64_t id = writer.put_file(folder, file.facts, record);
-    writer.commit();
-    return id;
-}
-
 }  // namespace
 
 Row& insert_media(const std::string& path) {
@@ -111,7 +101,8 @@ Row& insert_media(const std::string& path) {
     }
     const OpenFile file = open_file(std::move(place), path);
     const MediaRecord record = read_record(file, *type, path);
-    const int64_t id = write_row(*database, file, record);
+    const LateId id =
+        database->new_rows().add({file.folder.storage.key, file.folder.relative, file.facts, record});
     return make_media(id, record, file.folder, file.facts.name);
 }
 

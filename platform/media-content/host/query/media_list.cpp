@@ -137,10 +137,10 @@ Row& get_media(RowKind kind, std::string_view media_id) {
     return row;
 }
 
-Row& make_media(int64_t id, const MediaRecord& record, const StoragePath& folder, std::string_view name) {
-    RowSetReference set(new RowSet(values_of(RowKind::kMedia)));
+Row& make_media(LateId id, const MediaRecord& record, const StoragePath& folder, std::string_view name) {
+    RowSetReference set(new RowSet(values_of(RowKind::kMedia), std::move(id)));
     const std::string* path = set->add_folder_path(0, folder_path(folder.storage.number, folder.relative));
-    Row& row = set->add_row(id, static_cast<uint8_t>(record.kind), record.is_360, path, name);
+    Row& row = set->add_row(0, static_cast<uint8_t>(record.kind), record.is_360, path, name);
     set.release();  // the caller's reference now
     return row;
 }

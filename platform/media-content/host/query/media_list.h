@@ -22,8 +22,8 @@ void list_media_of_folder(std::string_view folder_id, const filter_s* filter, Ro
 /// MEDIA_CONTENT_ERROR_NOT_FOUND, also for a row of another kind.
 Row& get_media(RowKind kind, std::string_view media_id);
 
-/// The row of a file that the caller has just written, as get_media() would read it.
-Row& make_media(int64_t id, const MediaRecord& record, const StoragePath& folder, std::string_view name);
+/// The row of a file that the caller has just entered, as get_media() would read it.
+Row& make_media(LateId id, const MediaRecord& record, const StoragePath& folder, std::string_view name);
 
 int count_media_of_folder(std::string_view folder_id, const filter_s* filter);
 

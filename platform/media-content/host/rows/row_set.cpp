@@ -108,7 +108,7 @@ const ValueBlock& RowSet::values(Row& row) {
         values = row.values.load(std::memory_order_acquire);
     }
     if (values == nullptr) {
-        throw MediaError(MEDIA_CONTENT_ERROR_NOT_FOUND, "row " + std::to_string(row.id) + " is gone");
+        throw MediaError(MEDIA_CONTENT_ERROR_NOT_FOUND, "row " + std::to_string(id(row)) + " is gone");
     }
     return *values;
 }
@@ -140,12 +140,12 @@ void RowSet::read_values(const std::vector<Row*>& run) {
     const size_t marks = run.size() == 1 ? 1 : kRun;
     Query query(reader.connection(), select_values(value_table_, marks));
     for (size_t i = 0; i < marks; ++i) {
-        query.bind(run[std::min(i, run.size() - 1)]->id);
+        query.bind(id(*run[std::min(i, run.size() - 1)]));
     }
     while (query.step()) {
-        const int64_t id = query.integer(0);
+        const int64_t found = query.integer(0);
         const auto row =
-            std::find_if(run.begin(), run.end(), [&](const Row* each) { return each->id == id; });
+            std::find_if(run.begin(), run.end(), [&](const Row* each) { return id(*each) == found; });
         if (row != run.end()) {
             (*row)->values.store(ValueBlock::read(value_table_, query, 1).release(),
                                  std::memory_order_release);
@@ -183,9 +183,10 @@ void RowSet::write_assignments(Row& row) {
     }
     {
         const auto database = connected_database();
+        const int64_t row_id = id(row);
         Database::WriteLease lease(*database);
         for (const Assignment& assignment : assignments) {
-            write_assignment(lease.connection(), row.id, assignment);
+            write_assignment(lease.connection(), row_id, assignment);
         }
         lease.commit();
     }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/media-content/host/condition/condition_sql.h"
+#include "platform/media-content/host/database/late_id.h"
 #include "platform/media-content/host/rows/value_table.h"
 
 namespace media_content {
@@ -27,7 +28,7 @@ class RowSet;
  */
 struct Row {
     RowSet* set;
-    int64_t id;
+    int64_t known_id;                       ///< 0 where it is a late one; to be read with RowSet::id()
     const std::string* folder_path;         ///< with a slash at its end; the set's
     std::atomic<Row*> next;                 ///< in the order of the list
     std::atomic<const ValueBlock*> values;  ///< owned; null until they are asked for
@@ -58,6 +59,8 @@ class RowSet {
 public:
     /// With one reference, the caller's.
     explicit RowSet(const ValueTable& values) : value_table_(values) {}
+    /// The same, for one row whose id is not known yet.
+    RowSet(const ValueTable& values, LateId id) : value_table_(values), late_id_(std::move(id)) {}
     RowSet(const RowSet&) = delete;
     RowSet& operator=(const RowSet&) = delete;
 
@@ -74,6 +77,9 @@ public:
     /// The path of a folder as rows share it; null if it was not added yet.
     const std::string* folder_path(int64_t folder) const;
     const std::string* add_folder_path(int64_t folder, std::string path);
+
+    /// The id of a row of this set. Waits for one that is late; throws MediaError if its row was not written.
+    int64_t id(const Row& row) const { return late_id_.valid() ? late_id_.get() : row.known_id; }
 
     /// The values of a row of this set, read from the database now if need be. They stay valid as long as the
     /// set. Throws MediaError.
@@ -95,6 +101,7 @@ private:
     std::vector<Assignment> assignments_of(const Row& row);
 
     const ValueTable& value_table_;
+    const LateId late_id_;
     std::atomic<int64_t> references_{1};
 
     // Used by the thread that adds rows.
