@@ -28,12 +28,14 @@ int media_info_foreach_media_from_db(filter_h filter, media_info_cb callback, vo
 int media_info_get_media_from_db(const char* media_id, media_info_h* media);
 
 /**
- * Reads one file on an attached drive and enters it, or brings its row up to date.
+ * Reads one file on an attached drive and enters it, or brings its row up to date. Lists of this process have
+ * the row from then on. It is written within 20 ms, for other processes too; where that fails, a line is
+ * logged, there is no row, and what asks for its id or values gets MEDIA_CONTENT_ERROR_DISK_FULL or _DATABASE.
  *
  * @param path   below the media root or in the attached directory itself
  * @param media  the caller's
  * @return 0; MEDIA_CONTENT_ERROR_NOT_FOUND for a path that is no file on an attached drive;
- *         MEDIA_CONTENT_ERROR_NOT_SUPPORTED for a file of no media type; MEDIA_CONTENT_ERROR_DISK_FULL
+ *         MEDIA_CONTENT_ERROR_NOT_SUPPORTED for a file of no media type
  */
 int media_info_insert_to_db(const char* path, media_info_h* media);
 

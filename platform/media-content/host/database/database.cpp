@@ -20,7 +20,7 @@ namespace {
 constexpr size_t kMostIdleReaders = 4;
 
 // A list without the newest file is better than none, where another process does not let go of the database.
-constexpr std::chrono::seconds kPatience{1};
+constexpr std::chrono::seconds kPatience{10};
 
 void make_directory_of(const std::string& path) {
     std::error_code error;
@@ -110,7 +110,9 @@ void Database::trim() {
 
 Database::ReadLease::ReadLease(Database& database, LateRows late_rows) : database_(database) {
     if (late_rows == LateRows::kAwaited) {
-        database.new_rows_->settle(kPatience);
+        if (!database.new_rows_->settle(kPatience)) {
+            MC_LOG_WARNING("the media database is read without the rows of the newest files");
+        }
     }
     {
         const std::lock_guard<std::mutex> lock(database.pool_mutex_);

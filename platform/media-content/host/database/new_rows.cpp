@@ -43,17 +43,16 @@ LateId NewRows::add(NewFile file) {
     return entry.id.get_future().share();
 }
 
-void NewRows::settle(std::chrono::milliseconds most) {
+bool NewRows::settle(std::chrono::milliseconds most) {
     std::unique_lock<std::mutex> lock(mutex_);
     const uint64_t before = added_count_;
-    if (written_count_ >= before) {
-        return;
+    const auto settled = [&] { return written_count_ >= before; };
+    if (settled()) {
+        return true;
     }
     hurry_ = true;
     wanted_.notify_one();
-    if (!written_.wait_for(lock, most, [&] { return written_count_ >= before; })) {
-        MC_LOG_WARNING("%zu new rows still wait for the media database", waiting_.size());
-    }
+    return written_.wait_for(lock, most, settled);
 }
 
 void NewRows::run() {

@@ -47,7 +47,8 @@ public:
     LateId add(NewFile file);
 
     /// Waits until what was added before is written or has failed, but no longer than `most`.
-    void settle(std::chrono::milliseconds most);
+    /// @return whether it is
+    bool settle(std::chrono::milliseconds most);
 
 private:
     struct Entry {

@@ -135,7 +135,9 @@ std::vector<Row*> RowSet::run_from(Row& first) {
 /// To be called with the mutex held. Rows that are gone get nothing.
 void RowSet::read_values(const std::vector<Row*>& run) {
     const auto database = connected_database();
-    Database::ReadLease reader(*database);
+    // A large copy reads its rows while the copies' rows are on their way, and must not wait for them.
+    Database::ReadLease reader(
+        *database, late_id_.valid() ? Database::LateRows::kAwaited : Database::LateRows::kIgnored);
     // Two statements serve all: one for a run and one for a single row.
     const size_t marks = run.size() == 1 ? 1 : kRun;
     Query query(reader.connection(), select_values(value_table_, marks));

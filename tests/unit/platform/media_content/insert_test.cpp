@@ -1,5 +1,12 @@
-#include <filesystem>
+#include <sqlite3.h>
 
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/media-content/host/database/new_rows.h"
 #include "tests/unit/platform/media_content/contract.h"
 #include "tests/unit/platform/media_content/temporary_database.h"
 
@@ -110,15 +117,118 @@ TEST_F(Insert, SeesWhatAnotherProcessDidToTheDrives) {
     EXPECT_EQ(insert(path), 0);
 }
 
-TEST_F(Insert, IsThereForOthersWhenItReturns) {
-    SqliteConnection other(database().path(), SqliteConnection::Access::kRead);
+TEST_F(Insert, IsThereAtOnceForWhoReadsInThisProcess) {
     for (int i = 1; i <= 3; ++i) {
         copy_fixture("music/song.mp3", std::to_string(i) + ".mp3");
         ASSERT_EQ(insert(drive().link_path() + "/" + std::to_string(i) + ".mp3"), 0);
-        Query rows(other, "SELECT count(*) FROM media");
-        ASSERT_TRUE(rows.step());
-        EXPECT_EQ(rows.integer(0), i);
+        EXPECT_EQ(number("SELECT count(*) FROM media"), i);
     }
+}
+
+TEST_F(Insert, IsThereForOthersOnceItsIdIsKnown) {
+    SqliteConnection other(database().path(), SqliteConnection::Access::kRead);
+    for (int i = 1; i <= 3; ++i) {
+        copy_fixture("music/song.mp3", std::to_string(i) + ".mp3");
+        MediaHandle media;
+        ASSERT_EQ(insert(drive().link_path() + "/" + std::to_string(i) + ".mp3", media), 0);
+        const std::string id = text_of(media_info_get_media_id, media.get());
+        Query rows(other, "SELECT count(*) FROM media WHERE id = ?");
+        rows.bind(id);
+        ASSERT_TRUE(rows.step());
+        EXPECT_EQ(rows.integer(0), 1) << id;
+    }
+}
+
+TEST_F(Insert, OfManyFilesTakesFewTransactions) {
+    constexpr int kFiles = 50;
+    int commits = 0;
+    {
+        Database::WriteLease lease(database());
+        sqlite3_commit_hook(
+            lease.connection().handle(),
+            [](void* count) {
+                ++*static_cast<int*>(count);
+                return 0;
+            },
+            &commits);
+        for (int i = 0; i < kFiles; ++i) {
+            write_file("stick/" + std::to_string(i) + ".mp3");
+            ASSERT_EQ(insert(drive().link_path() + "/" + std::to_string(i) + ".mp3"), 0);
+        }
+    }
+    EXPECT_EQ(number("SELECT count(*) FROM media"), kFiles);
+    Database::WriteLease lease(database());
+    sqlite3_commit_hook(lease.connection().handle(), nullptr, nullptr);
+    // One for what came until the thread found the database taken, one for the others.
+    EXPECT_LE(commits, 2);
+}
+
+TEST_F(Insert, ThatCannotBeWrittenTakesNoOtherWithIt) {
+    MediaHandle rows[3];
+    {
+        Database::WriteLease lease(database());
+        lease.connection().execute(
+            "CREATE TRIGGER refuse BEFORE INSERT ON media WHEN NEW.name = '1.mp3' "
+            "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+        lease.commit();
+        for (int i = 0; i < 3; ++i) {
+            write_file("stick/" + std::to_string(i) + ".mp3");
+            ASSERT_EQ(insert(drive().link_path() + "/" + std::to_string(i) + ".mp3", rows[i]), 0);
+        }
+    }
+    char* id = nullptr;
+    EXPECT_EQ(media_info_get_media_id(rows[1].get(), &id), MEDIA_CONTENT_ERROR_DATABASE);
+    EXPECT_EQ(media_info_update_to_db(rows[1].get()), 0) << "nothing was set";
+    int count = 0;
+    EXPECT_EQ(media_info_get_played_count(rows[1].get(), &count), MEDIA_CONTENT_ERROR_DATABASE);
+    EXPECT_EQ(text_of(media_info_get_display_name, rows[1].get()), "1.mp3");
+    EXPECT_EQ(number("SELECT count(*) FROM media WHERE name IN ('0.mp3', '2.mp3')"), 2);
+    EXPECT_EQ(number("SELECT count(*) FROM media"), 2);
+}
+
+TEST_F(Insert, IsWrittenBeforeTheDatabaseIsClosed) {
+    copy_fixture("music/song.mp3", "song.mp3");
+    const std::string path = database().path();
+    ASSERT_EQ(insert(drive().link_path() + "/song.mp3"), 0);
+    close_database();
+    SqliteConnection connection(path, SqliteConnection::Access::kRead);
+    Query rows(connection, "SELECT count(*) FROM media");
+    ASSERT_TRUE(rows.step());
+    EXPECT_EQ(rows.integer(0), 1);
+}
+
+TEST_F(Insert, IsNotWaitedForWithoutEndWhileAnotherProcessWrites) {
+    copy_fixture("music/song.mp3", "song.mp3");
+    SqliteConnection other(database().path(), SqliteConnection::Access::kWrite);
+    other.execute("BEGIN IMMEDIATE");
+    MediaHandle media;
+    ASSERT_EQ(insert(drive().link_path() + "/song.mp3", media), 0);
+    EXPECT_FALSE(database().new_rows().settle(std::chrono::milliseconds(50)));
+    other.execute("COMMIT");
+    EXPECT_NE(text_of(media_info_get_media_id, media.get()), "");
+    EXPECT_TRUE(database().new_rows().settle(std::chrono::milliseconds(50)));
+}
+
+TEST_F(Insert, OnManyThreadsIsCompleteForEach) {
+    constexpr int kThreads = 4;
+    constexpr int kFiles = 25;
+    for (int i = 0; i < kThreads * kFiles; ++i) {
+        write_file("stick/" + std::to_string(i) + ".mp3");
+    }
+    std::vector<std::thread> threads;
+    for (int first = 0; first < kThreads; ++first) {
+        threads.emplace_back([this, first] {
+            for (int i = 0; i < kFiles; ++i) {
+                const std::string name = std::to_string(first * kFiles + i) + ".mp3";
+                EXPECT_EQ(insert(drive().link_path() + "/" + name), 0);
+                EXPECT_EQ(number("SELECT count(*) FROM media WHERE name = '" + name + "'"), 1);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(number("SELECT count(*) FROM media"), kThreads * kFiles);
 }
 
 TEST_F(Insert, OfAPathWithDotsAndDoubledSlashes) {

@@ -51,7 +51,9 @@ protected:
         database_ = connected_database();
         drive_ = attach(*database_, directory("stick"), "").storage;
     }
-    ~TemporaryDatabase() override {
+    ~TemporaryDatabase() override { close_database(); }
+
+    void close_database() {
         database_.reset();
         while (disconnect_database()) {
         }
