@@ -139,32 +139,32 @@ protected:
 
 }  // namespace
 
-TEST_F(ListFaultInjection, AFolderByTitle) {
+TEST_F(ListFaultInjection, AFolderByTitleIsAnsweredWhateverFails) {
     scan();
     run_with_every_call_failing("CONTENT-FOLDER", "CATEGORY-FOLDER-TITLE");
 }
 
-TEST_F(ListFaultInjection, AFolderByDateWithItsGroups) {
+TEST_F(ListFaultInjection, AFolderByDateWithItsGroupsIsAnsweredWhateverFails) {
     scan();
     run_with_every_call_failing("CONTENT-IMAGE", "CATEGORY-FOLDER-DATE");
 }
 
-TEST_F(ListFaultInjection, AUhdFolder) {
+TEST_F(ListFaultInjection, AUhdFolderIsAnsweredWhateverFails) {
     scan();
     run_with_every_call_failing("CONTENT-VIDEO", "CATEGORY-UHD-FOLDER-WITHUPFOLDER");
 }
 
-TEST_F(ListFaultInjection, RecordingsByChannel) {
+TEST_F(ListFaultInjection, RecordingsByChannelAreAnsweredWhateverFails) {
     scan();
     run_with_every_call_failing("CONTENT-PVR", "CATEGORY-CHANNEL_NAME");
 }
 
-TEST_F(ListFaultInjection, AKeywordSearch) {
+TEST_F(ListFaultInjection, AKeywordSearchIsAnsweredWhateverFails) {
     scan();
     run_with_every_call_failing("CONTENT-FOLDER", "CATEGORY-KEYWORD-SEARCH", "picture");
 }
 
-TEST_F(ListFaultInjection, AFolderThatIsScannedFirst) {
+TEST_F(ListFaultInjection, AFolderThatIsScannedFirstIsAnsweredWhateverFails) {
     // A scan of one folder does not make the storage count as scanned, so that every round scans again.
     list(path("show"), "CONTENT-IMAGE", "CATEGORY-FOLDER-TITLE");
     list(path("show"), "CONTENT-IMAGE", "CATEGORY-FOLDER-TITLE");

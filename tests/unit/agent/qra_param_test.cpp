@@ -132,7 +132,7 @@ TEST(QraParam, EachRecordIsMadeAndFreed) {
     check_life(qra_create_detail_param, qra_destroy_detail_param, "detail");
 }
 
-TEST(QraParam, GeneralTexts) {
+TEST(QraParam, TextsOfARequestAreKeptAndGivenBack) {
     CHECK_TEXT(general, general, plugin, pPluginName);
     CHECK_TEXT(general, general, source, pSource);
     CHECK_TEXT(general, general, path, szPath);
@@ -153,7 +153,7 @@ TEST(QraParam, GeneralTexts) {
     CHECK_TEXT(general, general, extension, szExtension);
 }
 
-TEST(QraParam, GeneralValues) {
+TEST(QraParam, ValuesOfARequestAreKeptAndGivenBack) {
     CHECK_VALUE(general, general, prefetch_num, int, nPrefectchNum, 0, -7);
     CHECK_VALUE(general, general, window_size, int, nWindowSize, 0, -7);
     CHECK_VALUE(general, general, bus_value, int, nBusValue, 0, -7);
@@ -165,7 +165,7 @@ TEST(QraParam, GeneralValues) {
     CHECK_VALUE(general, general, service_provider, void*, pServiceProvider, nullptr, &provider);
 }
 
-TEST(QraParam, PageStyleValues) {
+TEST(QraParam, ValuesOfAPageStyleAreKeptAndGivenBack) {
     CHECK_VALUE(page, page_style, mask, int, mask, 0, 0x26);
     CHECK_VALUE(page, page_style, order, qra_page_order_e, order, QRA_PAGE_ORDER_ROW, QRA_PAGE_ORDER_COLUMN);
     CHECK_VALUE(page, page_style, group_index, int, group_index, 0, -1);
@@ -174,7 +174,7 @@ TEST(QraParam, PageStyleValues) {
     CHECK_VALUE(page, page_style, padding, bool, padding, false, true);
 }
 
-TEST(QraParam, ShareTexts) {
+TEST(QraParam, TextsOfAShareAreKeptAndGivenBack) {
     CHECK_TEXT(share, share, dest_dev_path, dest_dev_path);
     CHECK_TEXT(share, share, user_id, user_id);
     CHECK_TEXT(share, share, request_url, request_url);
@@ -189,7 +189,7 @@ TEST(QraParam, ShareTexts) {
     CHECK_TEXT(share, share, playlist_name, playlist_name);
 }
 
-TEST(QraParam, ShareValues) {
+TEST(QraParam, ValuesOfAShareAreKeptAndGivenBack) {
     CHECK_VALUE(share, share, source_dev_type, qra_dev_type_e, source_dev_type, QRA_DEV_TYPE_DEFAULT,
                 QRA_DEV_TYPE_PTP);
     CHECK_VALUE(share, share, dest_dev_type, qra_dev_type_e, dest_dev_type, QRA_DEV_TYPE_DEFAULT,
@@ -227,13 +227,13 @@ TEST(QraParam, ShareUserDataHasSettersOnly) {
     EXPECT_EQ(qra_param_set_share_user_data_cb(nullptr, callback), QRA_ERROR_INVALID_PARAM);
 }
 
-TEST(QraParam, PlaylistFileFields) {
+TEST(QraParam, FieldsOfAPlaylistFileAreKeptAndGivenBack) {
     CHECK_TEXT(playlist_file, playlist_file, path, path);
     CHECK_TEXT(playlist_file, playlist_file, name, name);
     CHECK_VALUE(playlist_file, playlist_file, max_item_count, int, max_item_count, 0, 100);
 }
 
-TEST(QraParam, PlaylistItemTexts) {
+TEST(QraParam, TextsOfAPlaylistItemAreKeptAndGivenBack) {
     CHECK_TEXT(playlist_item, playlist_item, media_id, media_id);
     CHECK_TEXT(playlist_item, playlist_item, title, title);
     CHECK_TEXT(playlist_item, playlist_item, path, path);
@@ -248,7 +248,7 @@ TEST(QraParam, PlaylistItemTexts) {
     CHECK_TEXT(playlist_item, playlist_item, name, name);
 }
 
-TEST(QraParam, PlaylistItemValues) {
+TEST(QraParam, ValuesOfAPlaylistItemAreKeptAndGivenBack) {
     CHECK_VALUE(playlist_item, playlist_item, duration, unsigned long long, duration, 0, 1ULL << 63);
     CHECK_VALUE(playlist_item, playlist_item, size, unsigned long long, size, 0, 1ULL << 63);
     CHECK_VALUE(playlist_item, playlist_item, addtime, time_t, addtime, 0, 1600000000);

@@ -73,7 +73,7 @@ protected:
     std::string pvr_;
 };
 
-TEST_F(Queries, AFolderByPath) {
+TEST_F(Queries, AFolderIsFoundByItsPath) {
     EXPECT_EQ(folder_names(TestFilter(id(), "FOLDER_PATH = '" + path("/photos") + "'")), Names{"photos"});
     EXPECT_EQ(folder_names(TestFilter(id(), "FOLDER_PATH = '" + path("/Photos") + "'")), Names{"Photos"});
     EXPECT_EQ(folder_names(TestFilter(id(), "FOLDER_PATH = '" + path("/PHOTOS") + "'")), Names{});
@@ -84,14 +84,14 @@ TEST_F(Queries, TheFolderOfTheDriveItselfHasTheDrivesName) {
     EXPECT_EQ(folder_names(TestFilter(id(), "FOLDER_PATH = '" + path("/") + "'")), Names{"USBDrive1"});
 }
 
-TEST_F(Queries, AFolderWhosePathHasAQuote) {
+TEST_F(Queries, AQuoteInAFoldersPathIsWrittenTwice) {
     put_folder("/it's");
     EXPECT_EQ(folder_names(TestFilter(id(), "FOLDER_PATH = '" + path("/it''s") + "'")), Names{"it's"});
     EXPECT_EQ(folder_names(TestFilter(id(), "FOLDER_PATH = '" + path("/it's") + "'")),
               Names{"error " + std::to_string(MEDIA_CONTENT_ERROR_BAD_CONDITION)});
 }
 
-TEST_F(Queries, FoldersOfAFolderByName) {
+TEST_F(Queries, FoldersOfAFolderComeByName) {
     put_folder("/photos/b10");
     put_folder("/photos/B9");
     TestFilter filter(id(), "FOLDER_PARENT_FOLDER_ID = '" + photos_ + "'");
@@ -101,13 +101,13 @@ TEST_F(Queries, FoldersOfAFolderByName) {
     EXPECT_EQ(count, 3);
 }
 
-TEST_F(Queries, MediaOfAFolderByTitle) {
+TEST_F(Queries, MediaOfAFolderComeByTitle) {
     TestFilter filter(id(), kImages);
     EXPECT_EQ(media_names_of_folder(photos_, filter.order("MEDIA_DISPLAY_NAME")),
               (Names{"img_2.jpg", "IMG_10.JPG", "Z\u00dcRICH.jpeg"}));
 }
 
-TEST_F(Queries, MediaOfAFolderByDateTheNewestFirst) {
+TEST_F(Queries, MediaOfAFolderComeByDateTheNewestFirst) {
     TestFilter filter(id(), kAll);
     EXPECT_EQ(media_names_of_folder(photos_, filter.order("MEDIA_MODIFIED_TIME", kDescending)),
               (Names{"img_2.jpg", "IMG_10.JPG", "clip.mp4"}));
@@ -118,13 +118,13 @@ TEST_F(Queries, MediaOfAFolderWithoutAnOrderComeByName) {
               (Names{"clip.mp4", "img_2.jpg", "IMG_10.JPG", "Z\u00dcRICH.jpeg"}));
 }
 
-TEST_F(Queries, MediaOfAFolderThatThereIsNot) {
+TEST_F(Queries, AFolderThatThereIsNotHasNoMedia) {
     for (const char* folder : {"", "0", "-1", "999999", "x", "1 OR 1=1"}) {
         EXPECT_EQ(media_names_of_folder(folder, TestFilter(id())), Names{}) << folder;
     }
 }
 
-TEST_F(Queries, MediaOfAFolderOfAnotherStorage) {
+TEST_F(Queries, AFolderOfAnotherStorageHasNoMedia) {
     EXPECT_EQ(media_names_of_folder(photos_, TestFilter("another storage")), Names{});
 }
 
@@ -138,14 +138,14 @@ TEST_F(Queries, ThumbnailRowsAreLimitedAndCountedWithoutTheLimit) {
     EXPECT_EQ(count, 3);
 }
 
-TEST_F(Queries, AllMediaOfAStorageByTitle) {
+TEST_F(Queries, AllMediaOfAStorageComeByTitle) {
     TestFilter filter(id(), kAll);
     EXPECT_EQ(media_names(filter.order("MEDIA_DISPLAY_NAME")),
               (Names{"a.srf", "b.srf", "c.srf", "clip.mp4", "d.srf", "img_2.jpg", "IMG_10.JPG", "other.jpg",
                      "package.uvu", "song.mp3", "sphere.jpg"}));
 }
 
-TEST_F(Queries, AllMediaByNameBackwards) {
+TEST_F(Queries, AllMediaComeByNameBackwards) {
     TestFilter filter(id(), kImages);
     EXPECT_EQ(media_names(filter.order("MEDIA_DISPLAY_NAME", kDescending)),
               (Names{"Z\u00dcRICH.jpeg", "sphere.jpg", "other.jpg", "IMG_10.JPG", "img_2.jpg"}));
@@ -155,7 +155,7 @@ TEST_F(Queries, AnEmptyExtensionListSelectsNothing) {
     EXPECT_EQ(media_names(TestFilter(id(), "( ( 0=1 ) )")), Names{});
 }
 
-TEST_F(Queries, Content360Only) {
+TEST_F(Queries, MediaOf360DegreesCanBeAskedForAlone) {
     MediaRecord record;
     record.is_360 = true;
     record.kind = MediaKind::kImage;
@@ -206,7 +206,7 @@ TEST_F(Queries, AMediaPathIsComparedByteByByte) {
     EXPECT_EQ(media_names(TestFilter(id(), "MEDIA_PATH = '" + path("/photos/IMG_2.jpg") + "'")), Names{});
 }
 
-TEST_F(Queries, RecordingsOfAFolderInEveryOrder) {
+TEST_F(Queries, RecordingsOfAFolderComeInEveryOrder) {
     TestFilter filter(id(), std::string(kRecordings) + " AND UHD_FOLDER_ID = '" + pvr_ + "'");
     EXPECT_EQ(pvr_titles(filter.order("PVR_PROGRAM_TITLE")), (Names{"Alpha", "News", "Zoo 9", "zoo 10"}));
     EXPECT_EQ(pvr_titles(filter.order("PVR_START_TIME", kDescending)),
@@ -215,30 +215,30 @@ TEST_F(Queries, RecordingsOfAFolderInEveryOrder) {
     EXPECT_EQ(pvr_titles(filter.order("PVR_MAJOR,PVR_MINOR")), (Names{"Zoo 9", "Alpha", "zoo 10", "News"}));
 }
 
-TEST_F(Queries, UnwatchedAndScheduledRecordings) {
+TEST_F(Queries, UnwatchedAndScheduledRecordingsAreFound) {
     EXPECT_EQ(pvr_titles(TestFilter(id(), std::string("PVR_CONTENT_WATCH = 0 AND ") + kRecordings)).size(),
               3u);
     EXPECT_EQ(pvr_titles(TestFilter(id(), std::string("PVR_TIMER_RECORD = 1 AND ") + kRecordings)),
               Names{"Alpha"});
 }
 
-TEST_F(Queries, RecordingsByKeyword) {
+TEST_F(Queries, RecordingsAreFoundByKeyword) {
     TestFilter filter(id(), std::string("PVR_PROGRAM_TITLE LIKE '%ZOO%' AND ") + kRecordings);
     EXPECT_EQ(pvr_titles(filter.order("PVR_PROGRAM_TITLE")), (Names{"Zoo 9", "zoo 10"}));
 }
 
-TEST_F(Queries, UhdTitlesOfAFolder) {
+TEST_F(Queries, UhdTitlesOfAFolderComeByKindAndName) {
     TestFilter filter(id(), "UHD_FOLDER_ID = '" + uhd_folder() + "' AND " + kUhdFiles);
     EXPECT_EQ(uhd_names(filter.order("UHD_SUB_TYPE,UHD_FILE_NAME")),
               (Names{"Another.km4", "film 10.um4", "Film 2.um4"}));
 }
 
-TEST_F(Queries, UhdTitlesToUpdate) {
+TEST_F(Queries, UhdTitlesToUpdateAreFound) {
     TestFilter filter(id(), "UHD_FOLDER_ID = '" + uhd_folder() + "' AND UHD_SUB_TYPE = -1 AND " + kUhdFiles);
     EXPECT_EQ(uhd_names(filter.order("UHD_SUB_TYPE")), (Names{"Another.km4", "film 10.um4"}));
 }
 
-TEST_F(Queries, UhdTitlesByKeyword) {
+TEST_F(Queries, UhdTitlesAreFoundByKeyword) {
     TestFilter filter(id(), std::string("UHD_FILE_NAME LIKE '%FILM%' AND ") + kUhdFiles);
     EXPECT_EQ(uhd_names(filter.order("UHD_FILE_NAME")), (Names{"Film 2.um4", "film 10.um4"}));
 }
@@ -264,7 +264,7 @@ TEST_F(Queries, TheFolderOfAFolderQueryMayBeNamedInTheCondition) {
               (Names{"img_2.jpg", "Z\u00dcRICH.jpeg", "IMG_10.JPG"}));
 }
 
-TEST_F(Queries, StoragesByPath) {
+TEST_F(Queries, StoragesAreFoundByPath) {
     EXPECT_EQ(storage_names(TestFilter("", "STORAGE_PATH = '" + path("") + "'")), Names{"USBDrive1"});
     EXPECT_EQ(storage_names(TestFilter("", "STORAGE_PATH = '" + path("2") + "'")), Names{});
     EXPECT_EQ(storage_names(TestFilter("", "STORAGE_PATH = '" + path("/photos") + "'")), Names{});
@@ -317,7 +317,7 @@ TEST_F(Queries, ChannelGroupsIgnoreCase) {
               (Names{"(null): 1", "bbc one: 1", "BBC Two: 3"}));
 }
 
-TEST_F(Queries, ChannelNumberGroups) {
+TEST_F(Queries, ChannelNumberGroupsComeByNumber) {
     TestFilter filter(id());
     EXPECT_EQ(groups(filter.order("PVR_MAJOR,PVR_MINOR"), MEDIA_GROUP_CHANNEL_NUM),
               (Names{"0-0: 1", "1-2: 1", "2-9: 1", "2-10: 1"}));
