@@ -1,4 +1,7 @@
-// A content engine that knows some odd devices, starts every scan and never tells the end of one.
+// A content engine that knows some odd devices, starts every scan and never tells the end of one. It ends
+// with its bus, as the tool that started both stops the bus only.
+#include <glib-unix.h>
+
 #include <csignal>
 #include <cstdlib>
 
@@ -15,6 +18,11 @@ constexpr const char* kUsb =
 constexpr const char* kOptical =
     R"((uint32 0, '{"devices":[{"id":"b1","name":"Disc","mountPath":"/media/disc"}]}'))";
 
+gboolean end_on_signal(gpointer loop) {
+    g_main_loop_quit(static_cast<GMainLoop*>(loop));
+    return G_SOURCE_CONTINUE;
+}
+
 }  // namespace
 
 int main() {
@@ -22,10 +30,14 @@ int main() {
     if (const char* address = std::getenv("DBUS_STARTER_ADDRESS")) {
         setenv("DBUS_SYSTEM_BUS_ADDRESS", address, 1);
     }
-    sigset_t end;
-    sigemptyset(&end);
-    sigaddset(&end, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &end, nullptr);
+    GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
+    g_unix_signal_add(SIGTERM, end_on_signal, loop);
+    GDBusConnection* const bus = g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr);
+    if (bus == nullptr) {
+        return 1;
+    }
+    g_dbus_connection_set_exit_on_close(bus, FALSE);
+    g_signal_connect_swapped(bus, "closed", G_CALLBACK(g_main_loop_quit), loop);
 
     FakeEngine engine;
     engine.answer("start_server", {"('QRA_SERVER_START_SUCCESS',)"});
@@ -38,7 +50,8 @@ int main() {
     engine.answer("stop_scanner", {"()"});
     engine.answer("start_scanner_thumb", {"(true,)"});
     engine.answer("stop_scanner_thumb", {"()"});
-    int number = 0;
-    sigwait(&end, &number);
+    g_main_loop_run(loop);
+    g_object_unref(bus);
+    g_main_loop_unref(loop);
     return 0;
 }
