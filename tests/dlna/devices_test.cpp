@@ -101,6 +101,8 @@ TEST_F(DevicesTest, AnswersARequestOnAServerThatWentWithoutAWord) {
     browse(provider, "0", 0, 200, reply);
     EXPECT_NE(reply.wait(), NBL_ERROR_NONE);
     EXPECT_THAT(reply.items, IsEmpty());
+    // It does not describe itself any more either.
+    EXPECT_TRUE(wait_until_gone());
 }
 
 TEST_F(DevicesTest, AnswersARequestUnderWayWhenTheServerGoes) {

@@ -82,6 +82,15 @@ TEST_F(PatienceTest, EndsEverythingThatAServerNeverAnswers) {
     EXPECT_EQ(upload.wait(), NBL_ERROR_TIMEOUT);
 }
 
+TEST_F(PatienceTest, TakesAServerAwayWhoseAnnouncementHasRunOut) {
+    MediaServer server({"--max-age=5"});
+    ASSERT_NE(wait_for(), nullptr);
+    server.kill();
+
+    EXPECT_TRUE(wait_for_event(NBL_DEVICE_EVENT_REMOVED, kFirstId));
+    EXPECT_THAT(devices(), SizeIs(0));
+}
+
 TEST_F(PatienceTest, BelievesAServerThatAnswersAfterItsGoodbyeWhenItHasSearchedAgain) {
     MediaServer server;
     ASSERT_NE(wait_for(), nullptr);

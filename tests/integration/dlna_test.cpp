@@ -94,6 +94,67 @@ TEST_F(MediaServerLists, FailForAFolderThatIsNotThere) {
     EXPECT_EQ(list.wait(kFoldersAndMedia), QRA_EVENT_DLNA_ITEM_NOT_EXIST);
 }
 
+/// A misbehaviour of each answer to a browse, and what becomes of a folder of 250 films then.
+struct Misbehaviour {
+    const char* fault;
+    const char* value;
+    int event;
+    int items;
+};
+
+void PrintTo(const Misbehaviour& how, std::ostream* out) {
+    *out << how.fault << " " << how.value;
+}
+
+struct ListsOfAMisbehavingServer : MediaServerLists, testing::WithParamInterface<Misbehaviour> {};
+
+TEST_P(ListsOfAMisbehavingServer, EndWithWhatThereIsOrAnError) {
+    server().generate("films", "video", 250);
+    server().set(std::string("Browse.") + GetParam().fault, GetParam().value);
+    ServerList list(kServer, {"CATEGORY-FOLDER", "CONTENT-FOLDER", "films"});
+    EXPECT_EQ(list.wait(kFoldersAndMedia), GetParam().event);
+    EXPECT_EQ(list.texts("ID_QRA").size(), static_cast<size_t>(GetParam().items));
+    EXPECT_EQ(list.answers(), 1);
+    // The same handle is as good as new for a server that has come to its senses.
+    server().clear();
+    list.repeat({"CATEGORY-FOLDER", "CONTENT-FOLDER", "films"});
+    EXPECT_EQ(list.wait(kFoldersAndMedia), QRA_EVENT_LIST_SUCCESS);
+    EXPECT_EQ(list.texts("ID_QRA").size(), 250u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, ListsOfAMisbehavingServer,
+                         testing::Values(Misbehaviour{"error", "401", QRA_EVENT_LIST_FAILED, 0},
+                                         Misbehaviour{"error", "501", QRA_EVENT_LIST_FAILED, 0},
+                                         Misbehaviour{"error", "709", QRA_EVENT_LIST_FAILED, 0},
+                                         Misbehaviour{"error", "701", QRA_EVENT_DLNA_ITEM_NOT_EXIST, 0},
+                                         Misbehaviour{"cut", "", QRA_EVENT_LIST_FAILED, 0},
+                                         Misbehaviour{"endless", "", QRA_EVENT_LIST_FAILED, 0},
+                                         Misbehaviour{"broken-soap", "", QRA_EVENT_LIST_FAILED, 0},
+                                         Misbehaviour{"at-most", "30", QRA_EVENT_LIST_SUCCESS, 250},
+                                         Misbehaviour{"none-from", "200", QRA_EVENT_LIST_SUCCESS, 200},
+                                         Misbehaviour{"total", "0", QRA_EVENT_LIST_SUCCESS, 250},
+                                         Misbehaviour{"total", "5000", QRA_EVENT_LIST_SUCCESS, 250},
+                                         Misbehaviour{"total", "3", QRA_EVENT_LIST_SUCCESS, 250},
+                                         Misbehaviour{"grow", "1000", QRA_EVENT_LIST_SUCCESS, 250},
+                                         Misbehaviour{"shrink", "40", QRA_EVENT_LIST_SUCCESS, 250},
+                                         Misbehaviour{"same-page", "", QRA_EVENT_LIST_SUCCESS, 200},
+                                         Misbehaviour{"duplicate-ids", "", QRA_EVENT_LIST_SUCCESS, 250},
+                                         Misbehaviour{"child-count", "0", QRA_EVENT_LIST_SUCCESS, 250},
+                                         Misbehaviour{"child-count", "9", QRA_EVENT_LIST_SUCCESS, 250},
+                                         Misbehaviour{"not-utf8", "3", QRA_EVENT_LIST_SUCCESS, 250},
+                                         Misbehaviour{"broken-didl", "", QRA_EVENT_LIST_SUCCESS, 250},
+                                         Misbehaviour{"empty-didl", "", QRA_EVENT_LIST_FAILED, 0}));
+
+TEST_F(MediaServerLists, ShowAFolderThatHoldsItself) {
+    server().tell({"tree", "t", "2", "2"});
+    server().tell({"cycle", "t"});
+    ServerList list(kServer, {"CATEGORY-FOLDER", "CONTENT-FOLDER", "t"});
+    ASSERT_EQ(list.wait(kFoldersAndMedia), QRA_EVENT_LIST_SUCCESS);
+    EXPECT_THAT(list.texts("ID_QRA"), ElementsAre("t.0", "t.1", "t", "0", "t-item"));
+    list.repeat({"CATEGORY-FOLDER", "CONTENT-FOLDER", "t"});
+    EXPECT_EQ(list.wait(kFoldersAndMedia), QRA_EVENT_LIST_SUCCESS);
+}
+
 TEST_F(MediaServerLists, EndWhileTheServerIsSilentAndAreNotAnswered) {
     server().generate("films", "video", 5);
     server().set("Browse.hold");

@@ -264,8 +264,9 @@ CQRADlnaItem CQRADLNAWrapper::m_MakeUploadItem(const std::string& strSrc) const 
     std::string strFifo;
     std::string strName;
     int nCode = NBL_ERROR_NONE;
-    // A path is no JSON object; one that looks like an object is taken apart as one.
-    if (strSrc.compare(0, 1, "{") == 0) {
+    // A path is no JSON object; what looks like an object is taken apart as one.
+    const size_t nStart = strSrc.find_first_not_of(" \t\r\n");
+    if (nStart != std::string::npos && strSrc[nStart] == '{') {
         const CJsonValue json(strSrc);
         json.Get("fifo_name", strFifo);
         json.Get("file_name", strName);

@@ -212,6 +212,8 @@ TEST_F(DlnaTransfer, AFifoIsSentUnderTheFilesNameAsAPicture) {
     EXPECT_EQ(upload(R"({"fifo_name":"/tmp/fifo","file_name":"film.mp4"})"), 0);
 
     EXPECT_EQ(service.count("nbl_item_get_live_content film.mp4 image/jpg /tmp/fifo"), 1);
+    EXPECT_EQ(upload("\n { \"fifo_name\": \"/tmp/fifo\", \"file_name\": \"film.mp4\" }\n"), 0);
+    EXPECT_EQ(service.count("nbl_item_get_live_content film.mp4 image/jpg /tmp/fifo"), 2);
 }
 
 TEST_F(DlnaTransfer, TextThatIsNoObjectWithAFifoIsAPath) {
