@@ -7,10 +7,10 @@
 
 namespace engine {
 
-void SignalSender::send(const char* client, const char* signal, GVariant* values) const {
+void SignalSender::send_to(const std::string& client, const char* signal, GVariant* values) const {
     glib::ErrorOut error;
-    if (!g_dbus_connection_emit_signal(bus_, client, kObjectPath, com_morva_qra_engine_interface.name, signal,
-                                       values, error)) {
+    if (!g_dbus_connection_emit_signal(bus_, client.c_str(), kObjectPath, com_morva_qra_engine_interface.name,
+                                       signal, values, error)) {
         ENGINE_WARNING("cannot send %s: %s", signal, error.message());
     }
 }

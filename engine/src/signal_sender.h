@@ -14,11 +14,7 @@ public:
     explicit SignalSender(GDBusConnection* bus) : bus_(bus) {}
 
     /// To one client alone, by its unique name. Consumes a floating `values`.
-    void send_to(const std::string& client, const char* signal, GVariant* values) const {
-        send(client.c_str(), signal, values);
-    }
-    /// To whoever listens.
-    void send_to_all(const char* signal, GVariant* values) const { send(nullptr, signal, values); }
+    void send_to(const std::string& client, const char* signal, GVariant* values) const;
 
     /// "qra_request_normal_complete" with a JSON text.
     void complete(const std::string& client, const std::string& answer) const {
@@ -26,8 +22,6 @@ public:
     }
 
 private:
-    void send(const char* client, const char* signal, GVariant* values) const;
-
     GDBusConnection* bus_;
 };
 

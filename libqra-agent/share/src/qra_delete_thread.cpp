@@ -28,11 +28,7 @@ qra_error_code_e CQRADeleteThread::Excute(qra_share_s* pShare, CQRAAgentHandle* 
 
 qra_error_code_e CQRADeleteThread::Stop(CQRASendHandle* pSendHandle, qra_stop_type_e) {
     QRA_LOG_INFO(QRA_TAG_SEND, "Stop delete, nShareHandler[%p].", static_cast<void*>(pSendHandle));
-    if (t_IsOwnThread()) {
-        return QRA_ERROR_THREAD_FAILED;
-    }
-    t_EndJob();
-    return QRA_ERROR_NONE;
+    return t_StopJob();
 }
 
 SHARE_RESULT_TYPE CQRADeleteThread::t_JobProcess(void*) {

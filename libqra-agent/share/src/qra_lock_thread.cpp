@@ -41,11 +41,7 @@ qra_error_code_e CQRALockUnLockThread::Excute(qra_share_s* pShare, CQRAAgentHand
 
 qra_error_code_e CQRALockUnLockThread::Stop(CQRASendHandle* pSendHandle, qra_stop_type_e) {
     QRA_LOG_INFO(QRA_TAG_SEND, "Stop lock or unlock, nShareHandler[%p].", static_cast<void*>(pSendHandle));
-    if (t_IsOwnThread()) {
-        return QRA_ERROR_THREAD_FAILED;
-    }
-    t_EndJob();
-    return QRA_ERROR_NONE;
+    return t_StopJob();
 }
 
 SHARE_RESULT_TYPE CQRALockUnLockThread::t_JobProcess(void*) {

@@ -91,10 +91,7 @@ qra_error_code_e CQRAPlayListDeleteThread::Excute(qra_share_s* pShare, CQRAAgent
 
 qra_error_code_e CQRAPlayListDeleteThread::Stop(CQRASendHandle* pSendHandle, qra_stop_type_e) {
     QRA_LOG_INFO(QRA_TAG_SEND, "Stop playlist delete, nShareHandler[%p].", static_cast<void*>(pSendHandle));
-    if (t_IsOwnThread())
-        return QRA_ERROR_THREAD_FAILED;
-    t_EndJob();
-    return QRA_ERROR_NONE;
+    return t_StopJob();
 }
 
 SHARE_RESULT_TYPE CQRAPlayListDeleteThread::t_JobProcess(void*) {
@@ -125,10 +122,7 @@ qra_error_code_e CQRAPlayListItemAddThread::Excute(qra_share_s* pShare, CQRAAgen
 
 qra_error_code_e CQRAPlayListItemAddThread::Stop(CQRASendHandle* pSendHandle, qra_stop_type_e) {
     QRA_LOG_INFO(QRA_TAG_SEND, "Stop playlist item add, nShareHandler[%p].", static_cast<void*>(pSendHandle));
-    if (t_IsOwnThread())
-        return QRA_ERROR_THREAD_FAILED;
-    t_EndJob();
-    return QRA_ERROR_NONE;
+    return t_StopJob();
 }
 
 SHARE_RESULT_TYPE CQRAPlayListItemAddThread::t_JobProcess(void*) {
@@ -160,10 +154,7 @@ qra_error_code_e CQRAPlayListItemDeleteThread::Excute(qra_share_s* pShare, CQRAA
 qra_error_code_e CQRAPlayListItemDeleteThread::Stop(CQRASendHandle* pSendHandle, qra_stop_type_e) {
     QRA_LOG_INFO(QRA_TAG_SEND, "Stop playlist item delete, nShareHandler[%p].",
                  static_cast<void*>(pSendHandle));
-    if (t_IsOwnThread())
-        return QRA_ERROR_THREAD_FAILED;
-    t_EndJob();
-    return QRA_ERROR_NONE;
+    return t_StopJob();
 }
 
 SHARE_RESULT_TYPE CQRAPlayListItemDeleteThread::t_JobProcess(void*) {

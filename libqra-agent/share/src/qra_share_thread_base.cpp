@@ -95,6 +95,14 @@ void CQRAShareThreadBase::t_EndJob() {
     t_DestroyShareHandler();
 }
 
+qra_error_code_e CQRAShareThreadBase::t_StopJob() {
+    if (t_IsOwnThread()) {
+        return QRA_ERROR_THREAD_FAILED;
+    }
+    t_EndJob();
+    return QRA_ERROR_NONE;
+}
+
 bool CQRAShareThreadBase::t_IsOwnThread() const {
     if (!IsThreadOf(m_pSendHandle)) {
         return false;

@@ -62,6 +62,8 @@ protected:
     qra_error_code_e t_StartJob(const char* szThreadName);
     /// Tells the thread to end, waits for it, and releases what it worked with.
     void t_EndJob();
+    /// Ends the job: all that most Stop() do. Refused on the job's own thread.
+    qra_error_code_e t_StopJob();
     /// True, with a log line, on the job's own thread, which cannot wait for itself.
     bool t_IsOwnThread() const;
 

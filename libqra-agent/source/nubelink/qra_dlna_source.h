@@ -149,7 +149,6 @@ private:
     void m_GetChildItemList() QRA_EXCLUDES(m_ListMutex);
     void m_GetDLNASearchList() QRA_EXCLUDES(m_ListMutex);
     void m_ChangeStep();
-    void m_NextStep();
     bool m_IsStopped() const { return m_bCancel || m_bSuperseded || m_nEvent != 0; }
     void m_CompleteCb(int nEvent) QRA_EXCLUDES(m_CallbackMutex, m_RegistrationMutex);
 

@@ -60,7 +60,6 @@ constexpr uint32_t kHeadSize = 12;
 
 constexpr uint32_t kRootParent = 0xFFFFFFFF;
 constexpr uint32_t kAllStorages = 0xFFFFFFFF;
-constexpr uint32_t kAllFormats = 0;
 
 }  // namespace virtual_camera
 
