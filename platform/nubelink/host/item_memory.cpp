@@ -1,5 +1,7 @@
 #include "platform/nubelink/host/item_memory.h"
 
+#include <malloc.h>
+
 #include <atomic>
 #include <cstdlib>
 
@@ -11,17 +13,30 @@ namespace {
 
 constexpr size_t kMegabyte = size_t{1} << 20U;
 
+/// So much is worth the walk through all of the process's memory.
+constexpr size_t kMany = 32 * kMegabyte;
+constexpr size_t kPartLeft = 4;  ///< a quarter of the records at most is left then
+
 std::atomic<size_t> held{0};
+std::atomic<size_t> peak{0};  ///< of `held` since memory was given back, by the megabyte
 std::atomic<size_t> limit{ItemMemory::kMostMegabytes * kMegabyte};
 
 }  // namespace
 
 void ItemMemory::add(size_t bytes) {
-    held.fetch_add(bytes, std::memory_order_relaxed);
+    const size_t now = held.fetch_add(bytes, std::memory_order_relaxed) + bytes;
+    size_t most = peak.load(std::memory_order_relaxed);
+    while (now > most + kMegabyte && !peak.compare_exchange_weak(most, now, std::memory_order_relaxed)) {
+    }
 }
 
 void ItemMemory::remove(size_t bytes) {
-    held.fetch_sub(bytes, std::memory_order_relaxed);
+    const size_t left = held.fetch_sub(bytes, std::memory_order_relaxed) - bytes;
+    size_t most = peak.load(std::memory_order_relaxed);
+    if (most > kMany && left < most / kPartLeft &&
+        peak.compare_exchange_strong(most, left, std::memory_order_relaxed)) {
+        malloc_trim(0);
+    }
 }
 
 size_t ItemMemory::bytes() {

@@ -6,9 +6,11 @@
 namespace nbl {
 
 /**
- * Counts the bytes of all item records of the process, whoever holds them, so that no server can make a client
- * hold more and more. The limit is soft: where the records take more than that, further pages of servers are
- * refused; what is there stays. All functions may be called from any thread.
+ * Counts the bytes of all item records of the process, whoever holds them, so that no server can make a
+ * client hold more and more. The limit is soft: where the records take more than that, further pages of
+ * servers are refused; what is there stays. When most of many records are gone, the process gives the memory
+ * back to the system: the allocator alone would keep the space below the one that came last. All functions
+ * may be called from any thread.
  */
 class ItemMemory {
 public:
