@@ -68,7 +68,11 @@ public:
     }
 
     static void on_items(nbl_device_t, nbl_response* response, int error, void* self) {
-        static_cast<Question*>(self)->tell(error, response->end != 0);
+        auto* question = static_cast<Question*>(self);
+        if (response->length > 0) {
+            nbl_item_get_type(response->items[0], &question->type.emplace());
+        }
+        question->tell(error, response->end != 0);
     }
     static void on_features(nbl_device_t, nbl_feature_response* response, int error, void* self) {
         auto* question = static_cast<Question*>(self);
@@ -76,7 +80,9 @@ public:
         question->tell(error, true);
     }
 
-    int source = NBL_FEATURE_SOURCE_NONE;  ///< of the features that were asked for
+    // Of the answer.
+    int source = NBL_FEATURE_SOURCE_NONE;  ///< of features
+    std::optional<int> type;               ///< of the first item
 
 private:
     void tell(int error, bool end) {
@@ -92,10 +98,17 @@ private:
     bool has_ended_ = false;
 };
 
-int ask_item(nbl_provider_t provider, const std::string& id) {
-    return Question().ask([&](Question* self, int* token) {
+/// NBL_ERROR_NO_DATA for something else than a folder, where only a folder will do.
+int ask_item(nbl_provider_t provider, const std::string& id, bool only_folder) {
+    Question question;
+    const int error = question.ask([&](Question* self, int* token) {
         return nbl_provider_browse_item(provider, id.c_str(), &Question::on_items, self, token);
     });
+    if (error == NBL_ERROR_NONE && !question.type) {
+        return NBL_ERROR_BAD_ANSWER;
+    }
+    const bool is_wrong = only_folder && question.type != NBL_ITEM_TYPE_FOLDER;
+    return error == NBL_ERROR_NONE && is_wrong ? NBL_ERROR_NO_DATA : error;
 }
 
 int ask_children(nbl_provider_t provider, const std::string& id) {
@@ -147,7 +160,7 @@ int ask_list(nbl_provider_t provider, const ListOptions& options) {
         return ask_view(provider);
     }
     const std::string id = options.folder_id == kTop ? kRootId : options.folder_id;
-    const int error = ask_item(provider, id);
+    const int error = ask_item(provider, id, true);
     return error == NBL_ERROR_NONE ? ask_children(provider, id) : error;
 }
 
@@ -155,6 +168,8 @@ std::string failure_text(int error) {
     switch (error) {
         case NBL_ERROR_OUT_OF_MEMORY:
             return "what lists of media servers may hold is used up (QRA_DLNA_MEMORY)";
+        case NBL_ERROR_NO_DATA:
+            return "that is no folder";
         case NBL_ERROR_NOT_SUPPORTED:
             return "the server does not know such a request";
         case NBL_ERROR_ITEM_NOT_EXIST:
@@ -209,7 +224,7 @@ std::string item_failure(const std::string& server_id, const std::string& item_i
     nbl_provider_t provider = nullptr;
     int error = find_provider(server_id, provider);
     if (error == NBL_ERROR_NONE) {
-        error = ask_item(provider, item_id);
+        error = ask_item(provider, item_id, false);
     }
     return error != NBL_ERROR_NONE ? failure_text(error) : "";
 }

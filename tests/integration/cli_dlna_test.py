@@ -166,6 +166,7 @@ class FailureTest(DlnaTest):
                                ("Browse.error 709", "refuses the request"),
                                ("Browse.status 404", "refuses the request"),
                                ("Browse.broken-soap", "cannot be understood"),
+                               ("Browse.empty-didl", "cannot be understood"),
                                ("Browse.cut", "cannot be reached, or breaks off"),
                                ("Browse.cut '' 1", "answers by now: try again")):
             self.server.tell("set " + switch)
@@ -176,6 +177,14 @@ class FailureTest(DlnaTest):
         fetched = self.qra("dlna", "get", "Attic", "--folder-id", "films", "--select", "0", "--to", self.directory,
                            status=FAILED)
         self.assertIn("does not know such a request", fetched.stderr)
+
+    def test_a_list_that_is_none_or_too_long_says_so(self):
+        self.server.tell("generate films video 4")
+        items = ("list", "--source", "SOURCE_DLNA", "--path", "Attic", "--folder-id")
+        self.assertIn("that is no folder", self.qra(*items, "films-1", status=FAILED).stderr)
+        self.environment["QRA_DLNA_MEMORY"] = "1"
+        self.server.tell("set Browse.invent 20000")
+        self.assertIn("QRA_DLNA_MEMORY", self.qra(*items, "films", status=FAILED).stderr)
 
     def test_a_view_or_search_that_the_server_cannot_give_says_so(self):
         plain = Server("--name=Cellar", "--id=" + CELLAR, "--no-search")
