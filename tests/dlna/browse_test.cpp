@@ -127,6 +127,20 @@ TEST_F(BrowseTest, LooksForMoreChildrenThanTheServerSays) {
     }
 }
 
+TEST_F(BrowseTest, DoesNotTakeTheSizeOfAPageForTheWhole) {
+    start();
+    for (const char* action : {"Browse.", "Search."}) {
+        server->set(std::string(action) + "total-of-page");
+        server->set(std::string(action) + "child-count", "0");
+    }
+    EXPECT_EQ(item_of(provider, "p").number(nbl_item_get_child_count), kImages);
+    Reply found;
+    search(provider, "", {NBL_ITEM_TYPE_IMAGE}, 10, found);
+    EXPECT_EQ(found.wait(), NBL_ERROR_NONE);
+    EXPECT_EQ(found.ids(), ids_from(0, kImages));
+    EXPECT_EQ(server->count("Search"), 4);
+}
+
 TEST_F(BrowseTest, BelievesACountWithNothingBehindIt) {
     start();
     server->set("Browse.child-count", "40");

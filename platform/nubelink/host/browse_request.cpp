@@ -127,9 +127,11 @@ void BrowseItemRequest::on_part() {
 void BrowseItemRequest::count_children() {
     const int64_t said = child_count_of(*object_->items.front()).value_or(0);
     const int64_t total = children_->total;
+    // Some tell how many they give as the total.
+    const bool is_told = total > 0 && (said == total || (said == 0 && total > 1));
     if (children_->error != NBL_ERROR_NONE) {
         finish_folder(said);
-    } else if (children_->items.empty() || (total > 0 && (said == 0 || said == total))) {
+    } else if (children_->items.empty() || is_told) {
         finish_folder(total);
     } else {
         look_for_end(total > 0 ? total : said);

@@ -125,8 +125,10 @@ void PageLoop::take(Page page) {
     const bool is_new = count == 0 || seen_.insert(fingerprint_of(page.items)).second;
     const int64_t place = range_.start + got_;
     got_ += passed;
-    // A total below what has come already is wrong.
-    const bool complete = got_ >= range_.most || (page.total > 0 && range_.start + got_ == page.total);
+    // A total below what has come already is wrong. So is that of a server which tells how many it gives.
+    const bool may_be_of_page = page.total == asked_ && count == asked_;
+    const bool complete =
+        got_ >= range_.most || (page.total > 0 && range_.start + got_ == page.total && !may_be_of_page);
     const bool is_last = passed == 0 || !is_new || complete;
     const std::weak_ptr<bool> alive = alive_;
     if (count > 0 && is_new) {

@@ -365,10 +365,11 @@ void DirectoryService::answer_page(GUPnPServiceAction* action, std::size_t total
     for (std::size_t i = start; i < start + count; ++i) {
         page.push_back(object_at(i % total));
     }
+    const unsigned told =
+        faults_.is_on(name, "total-of-page") ? static_cast<unsigned>(count) : total_of(name, all);
     gupnp_service_action_set(action, "Result", G_TYPE_STRING, page_didl(name, page, start).c_str(),
                              "NumberReturned", G_TYPE_UINT, static_cast<guint>(count), "TotalMatches",
-                             G_TYPE_UINT, total_of(name, all), "UpdateID", G_TYPE_UINT, content_.update_id(),
-                             nullptr);
+                             G_TYPE_UINT, told, "UpdateID", G_TYPE_UINT, content_.update_id(), nullptr);
     gupnp_service_action_return_success(action);
 }
 

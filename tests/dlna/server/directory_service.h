@@ -26,6 +26,7 @@
  *
  *   at-most N        fewer items than asked for       none-from N     nothing from that index on
  *   total N          tells that total                 grow N, shrink N   the total changes with each answer
+ *   total-of-page    tells how many it gives as the total
  *   same-page        the first page always            duplicate-ids   all items of a page have one id
  *   child-count N    tells of each folder that it has so many
  *   invent N         as many objects as that: the true ones again and again, each with an id of its own
