@@ -30,7 +30,8 @@ int media_info_get_media_from_db(const char* media_id, media_info_h* media);
 /**
  * Reads one file on an attached drive and enters it, or brings its row up to date. Lists of this process have
  * the row from then on. It is written within 20 ms, for other processes too; where that fails, a line is
- * logged, there is no row, and what asks for its id or values gets MEDIA_CONTENT_ERROR_DISK_FULL or _DATABASE.
+ * logged, there is no row, and what asks for its id or values gets MEDIA_CONTENT_ERROR_DISK_FULL or
+ * _DATABASE.
  *
  * @param path   below the media root or in the attached directory itself
  * @param media  the caller's

@@ -417,8 +417,8 @@ typedef void (*nbl_download_cb)(int token, nbl_transfer_info* info, void* user_d
  * @param path         where to write; a file that is there already is replaced
  * @param interval_ms  time between two reports of progress
  * @return NBL_ERROR_NONE; NBL_ERROR_INVALID_PARAMETER; NBL_ERROR_NOT_CONNECTED; NBL_ERROR_FILE while another
- * download that has not ended, nor been cancelled, writes that file. A file that cannot be written is told by the
- * callback
+ * download that has not ended, nor been cancelled, writes that file. A file that cannot be written is told by
+ * the callback
  */
 int nbl_provider_download(const char* uri, const char* mimetype, const char* path, int interval_ms,
                           nbl_download_cb callback, void* user_data, int* token);
