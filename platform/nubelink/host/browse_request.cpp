@@ -58,6 +58,21 @@ BrowseRequest::BrowseRequest(nbl_provider_t provider, std::string folder_id, int
 
 void BrowseRequest::begin() {
     provider()->pages.on_question(folder_id_, start_);
+    ticket_ = session().page_pairs().ask({provider(), folder_id_, start_, count_},
+                                         [this](std::optional<Page> page) { take(std::move(page)); });
+}
+
+void BrowseRequest::take(std::optional<Page> page) {
+    if (!page) {
+        ask_alone();
+        return;
+    }
+    total_ = page->total;
+    items_ = std::move(page->items);
+    on_end(NBL_ERROR_NONE);
+}
+
+void BrowseRequest::ask_alone() {
     PageLoop::Range range;
     range.start = start_;
     range.most = count_;

@@ -7,6 +7,7 @@
 
 #include "platform/nubelink/host/folder_end.h"
 #include "platform/nubelink/host/page_loop.h"
+#include "platform/nubelink/host/page_pairs.h"
 #include "platform/nubelink/host/request_table.h"
 #include "platform/nubelink/host/service.h"
 
@@ -60,6 +61,8 @@ public:
 
 private:
     void begin() override;
+    void take(std::optional<Page> page);
+    void ask_alone();
     void on_end(int error);
 
     const std::string folder_id_;
@@ -67,6 +70,7 @@ private:
     const int count_;
     int64_t total_ = 0;
     std::vector<ItemPtr> items_;
+    std::shared_ptr<PagePairs::Ticket> ticket_;
     std::unique_ptr<PageLoop> loop_;
 };
 

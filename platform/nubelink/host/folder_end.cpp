@@ -7,16 +7,6 @@
 
 namespace nbl {
 
-namespace {
-
-/// Whether the server did not answer at all. Some answer with an error where there is no child.
-bool is_unanswered(int error) {
-    return error == NBL_ERROR_NETWORK || error == NBL_ERROR_TIMEOUT || error == NBL_ERROR_DEVICE_GONE ||
-           error == NBL_ERROR_OUT_OF_MEMORY;
-}
-
-}  // namespace
-
 FolderEnd::FolderEnd(Session& session, nbl_provider_t provider, std::string folder_id,
                      const std::vector<ItemPtr>& first, int64_t said, Done done)
     : session_(session),
@@ -48,6 +38,7 @@ void FolderEnd::take(Page page) {
     const bool is_there = page.error == NBL_ERROR_NONE && !page.items.empty();
     // A copy: it may end this object.
     const Done done = done_;
+    // Some answer with an error where there is no child.
     if (is_unanswered(page.error)) {
         done(most());
         return;

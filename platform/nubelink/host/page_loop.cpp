@@ -64,6 +64,11 @@ Page read_page(const SoapAnswer& answer, nbl_provider_t provider) {
 
 }  // namespace
 
+bool is_unanswered(int error) {
+    return error == NBL_ERROR_NETWORK || error == NBL_ERROR_TIMEOUT || error == NBL_ERROR_DEVICE_GONE ||
+           error == NBL_ERROR_OUT_OF_MEMORY;
+}
+
 PageCall::PageCall(Session& session, nbl_provider_t provider, const PageSource& source, int64_t start,
                    int64_t count, Done done) {
     const DevicePtr device = session.device(provider->id);

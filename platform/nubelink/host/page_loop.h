@@ -33,6 +33,9 @@ struct Page {
     size_t bytes = 0;      ///< of the whole answer, as it came
 };
 
+/// Whether a page's error is that nobody answered, or that nobody was asked.
+bool is_unanswered(int error);
+
 /**
  * One page of a server. `done` is called once on the worker, never from inside the constructor; the end of
  * the call before that calls it off. An answer in which nothing can be understood is NBL_ERROR_BAD_ANSWER,

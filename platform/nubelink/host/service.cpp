@@ -6,6 +6,7 @@
 #include "platform/nubelink/host/item_memory.h"
 #include "platform/nubelink/host/log.h"
 #include "platform/nubelink/host/ordered_views.h"
+#include "platform/nubelink/host/page_pairs.h"
 
 namespace nbl {
 
@@ -19,6 +20,7 @@ Session::Session(RequestTable& requests, DeviceTable& devices, std::function<voi
     : requests_(requests),
       devices_(devices),
       views_(std::make_unique<OrderedViews>(*this)),
+      page_pairs_(std::make_unique<PagePairs>(*this)),
       discovery_(std::make_unique<Discovery>(descriptions_http_, devices, std::move(report))) {
     ItemMemory::read_limit();
 }

@@ -28,6 +28,7 @@ namespace nbl {
 
 class Discovery;
 class OrderedViews;
+class PagePairs;
 
 /**
  * What requests work with while the service runs: from the start that a client asks for to the end. Lives on
@@ -48,6 +49,7 @@ public:
     /// has gone.
     DevicePtr device(const std::string& device_id) const { return devices_.find(device_id); }
     OrderedViews& views() { return *views_; }
+    PagePairs& page_pairs() { return *page_pairs_; }
     void refresh();
     /// To be told each error of a call to a server: one that does not answer may have gone without a word.
     void on_call_error(const std::string& device_id, int error);
@@ -58,6 +60,7 @@ private:
     const HttpClient http_;
     const HttpClient descriptions_http_;  ///< so that nobody's announcements hold up requests
     const std::unique_ptr<OrderedViews> views_;
+    const std::unique_ptr<PagePairs> page_pairs_;
     const std::unique_ptr<Discovery> discovery_;
 };
 
