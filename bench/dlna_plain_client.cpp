@@ -21,14 +21,14 @@ void release_text(xmlChar* text) {
 }
 using XmlTextPtr = std::unique_ptr<xmlChar, support::Release<release_text>>;
 
-std::string page_question(const std::string& folder, int start) {
+std::string page_question(const std::string& folder, int start, int count) {
     nbl::SoapQuestion question;
     question.action = "Browse";
     question.arguments = {{"ObjectID", folder},
                           {"BrowseFlag", "BrowseDirectChildren"},
                           {"Filter", "*"},
                           {"StartingIndex", std::to_string(start)},
-                          {"RequestedCount", std::to_string(PlainClient::kPage)},
+                          {"RequestedCount", std::to_string(count)},
                           {"SortCriteria", ""}};
     return nbl::soap_question_body(kService, question);
 }
@@ -56,9 +56,9 @@ PlainClient::PlainClient(std::string url, std::string folder)
 
 PlainClient::~PlainClient() = default;
 
-std::string PlainClient::fetch(int start) const {
+std::string PlainClient::fetch(int start, int count) const {
     const glib::ObjectPtr<SoupMessage> message(soup_message_new("POST", url_.c_str()));
-    const std::string body = page_question(folder_, start);
+    const std::string body = page_question(folder_, start, count);
     const glib::BytesPtr bytes(g_bytes_new(body.data(), body.size()));
     soup_message_set_request_body_from_bytes(message.get(), "text/xml; charset=\"utf-8\"", bytes.get());
     soup_message_headers_append(soup_message_get_request_headers(message.get()), "SOAPAction",

@@ -5,8 +5,9 @@
 #include <string>
 
 /**
- * What a plain client does on a folder, one page after the other: libsoup on a kept connection, and where it
- * reads too, libxml2's document of the envelope and GUPnP's DIDL objects. Ends the program where a server
+ * What a plain client does on a folder, one page after the other: libsoup's blocking call, as it comes, which
+ * keeps the connection where the server does, and where it reads too, libxml2's document of the envelope and
+ * GUPnP's DIDL objects. Ends the program where a server
  * does not answer.
  */
 class PlainClient {
@@ -18,8 +19,8 @@ public:
 
     static constexpr int kPage = 200;
 
-    /// The answer to the question for the page that begins there, as it came.
-    std::string fetch(int start) const;
+    /// The answer to the question for so many objects from there on, as it came.
+    std::string fetch(int start, int count) const;
     /// The objects of an answer whose title and class could be read.
     static int read(const std::string& answer);
 
