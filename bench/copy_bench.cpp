@@ -1,6 +1,7 @@
 // What a copy job costs beside its floor: for one large file a plain loop with the same blocks and the same
-// flushes, for many small ones, whose rows go into the media database, a loop that makes, writes, flushes and
-// closes files of the same size and reads none. And how long a stop takes in the middle of the large file,
+// flushes, for many small ones, whose rows go into the media database, two loops that make, write, flush and
+// close files of the same size and read none: one without rows, and one that gives each file a row, as it is
+// done plainly, in a transaction of its own. And how long a stop takes in the middle of the large file,
 // beside the time that it takes to remove as much of it.
 //
 // Each pair runs in turn, in directories of its own, as a directory that others were removed from is slower.
@@ -8,6 +9,7 @@
 // change.
 
 #include <fcntl.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -60,6 +62,7 @@ public:
     Drive& operator=(const Drive&) = delete;
 
     fs::path target(const std::string& relative) const { return root_ / "stick" / relative; }
+    fs::path database() const { return root_ / "data" / "media.db"; }
     std::string path(const std::string& relative) const { return drive_ + "/" + relative; }
 
     void write(const std::string& name, size_t size) const {
@@ -80,7 +83,8 @@ public:
         std::free(attached);
     }
     /// An empty directory. Whatever was written before is not to be paid for by what goes there.
-    std::string fresh(const std::string& relative) const {
+    std::string fresh(const std::string& name) {
+        std::string relative = name + std::to_string(made_++);
         fs::create_directories(target(relative));
         sync();
         return relative;
@@ -89,6 +93,7 @@ public:
 private:
     fs::path root_;
     std::string drive_;
+    int made_ = 0;
 };
 
 void copy_plainly(const fs::path& from, const fs::path& to, size_t most = SIZE_MAX) {
@@ -119,6 +124,60 @@ void write_plainly(const std::vector<char>& content, const fs::path& to) {
     fsync(dest);
     close(dest);
 }
+
+/// Enters copies of the first drive's files as a plain program would: the row of the source once more, in
+/// another folder, each in a transaction of its own.
+class PlainRows {
+public:
+    PlainRows(const fs::path& database, const std::string& folder) {
+        check(sqlite3_open(database.c_str(), &database_));
+        run("PRAGMA synchronous = NORMAL");
+        run("INSERT INTO folder(storage, path, name, name_key) SELECT key, '/" + folder + "', '" + folder +
+            "', x'00' FROM storage LIMIT 1");
+        const std::string folder_id = std::to_string(sqlite3_last_insert_rowid(database_));
+        std::string columns;
+        std::string values;
+        sqlite3_stmt* names = nullptr;
+        check(sqlite3_prepare_v2(database_, "SELECT name FROM pragma_table_info('media') WHERE name <> 'id'",
+                                 -1, &names, nullptr));
+        while (sqlite3_step(names) == SQLITE_ROW) {
+            const std::string name = reinterpret_cast<const char*>(sqlite3_column_text(names, 0));
+            columns += (columns.empty() ? "" : ", ") + name;
+            values += (values.empty() ? "" : ", ") + (name == "folder" ? folder_id : name);
+        }
+        sqlite3_finalize(names);
+        const std::string sql =
+            "INSERT INTO media(" + columns + ") SELECT " + values + " FROM media WHERE id = ?";
+        check(sqlite3_prepare_v2(database_, sql.c_str(), -1, &insert_, nullptr));
+    }
+    ~PlainRows() {
+        sqlite3_finalize(insert_);
+        sqlite3_close(database_);
+    }
+    PlainRows(const PlainRows&) = delete;
+    PlainRows& operator=(const PlainRows&) = delete;
+
+    void add(int source_id) {
+        sqlite3_bind_int(insert_, 1, source_id);
+        if (sqlite3_step(insert_) != SQLITE_DONE || sqlite3_changes(database_) != 1) {
+            give_up(std::string("cannot enter a file: ") + sqlite3_errmsg(database_));
+        }
+        sqlite3_reset(insert_);
+    }
+
+private:
+    void run(const std::string& sql) {
+        check(sqlite3_exec(database_, sql.c_str(), nullptr, nullptr, nullptr));
+    }
+    void check(int code) {
+        if (code != SQLITE_OK) {
+            give_up(std::string("the database of the plain program: ") + sqlite3_errmsg(database_));
+        }
+    }
+
+    sqlite3* database_ = nullptr;
+    sqlite3_stmt* insert_ = nullptr;
+};
 
 /// Opens the list of the source folder and selects all of it.
 void open_selection(BatchList& list) {
@@ -174,16 +233,16 @@ double load() {
 
 using Floor = std::function<void(const Drive&, const std::string& folder)>;
 
-void compare(const Drive& drive, const std::string& what, int files, int pairs, const Floor& floor) {
+void compare(Drive& drive, const std::string& what, int files, int pairs, const Floor& floor) {
     std::vector<double> floors;
     std::vector<double> jobs;
     std::vector<double> ratios;
     std::vector<double> floor_processor;
     std::vector<double> job_processor;
     for (int pair = 0; pair < pairs; ++pair) {
-        const std::string floor_folder = drive.fresh("floor" + std::to_string(pair));
+        const std::string floor_folder = drive.fresh("floor");
         const Cost plain = cost_of([&] { floor(drive, floor_folder); });
-        const Cost job = copy_job(drive, drive.fresh("copy" + std::to_string(pair)), files);
+        const Cost job = copy_job(drive, drive.fresh("copy"), files);
         floors.push_back(plain.wall);
         jobs.push_back(job.wall);
         ratios.push_back(job.wall / plain.wall);
@@ -203,13 +262,12 @@ double removal(const Drive& drive, const std::string& folder, size_t size) {
     return cost_of([&] { unlink(part.c_str()); }).wall;
 }
 
-void compare_stops(const Drive& drive, size_t mebibytes, int pairs) {
+void compare_stops(Drive& drive, size_t mebibytes, int pairs) {
     std::vector<double> removals;
     std::vector<double> stops;
     for (int pair = 0; pair < pairs; ++pair) {
-        const std::string number = std::to_string(pair);
-        removals.push_back(removal(drive, drive.fresh("removed" + number), mebibytes << 20));
-        stops.push_back(stop_of_job(drive, drive.fresh("stopped" + number), mebibytes));
+        removals.push_back(removal(drive, drive.fresh("removed"), mebibytes << 20));
+        stops.push_back(stop_of_job(drive, drive.fresh("stopped"), mebibytes));
     }
     std::printf("%-24s floor %8.1f ms job %8.1f ms  at most %.1f ms  (medians of %d pairs; load %.1f)\n",
                 ("stop after " + std::to_string(mebibytes) + " MiB").c_str(), median(removals) * 1e3,
@@ -233,13 +291,23 @@ void compare_small(const std::string& directory, int files, int pairs) {
         drive.write(std::to_string(i) + ".jpg", kSmallFile);
     }
     drive.scan();
-    compare(
-        drive, std::to_string(files) + " small files", files, pairs,
-        [files, content = std::vector<char>(kSmallFile, 'x')](const Drive& on, const std::string& folder) {
-            for (int i = 0; i < files; ++i) {
-                write_plainly(content, on.target(folder + "/" + std::to_string(i) + ".jpg"));
-            }
-        });
+    const std::vector<char> content(kSmallFile, 'x');
+    const auto name = [](const std::string& folder, int i) {
+        return folder + "/" + std::to_string(i) + ".jpg";
+    };
+    const std::string what = std::to_string(files) + " small files";
+    compare(drive, what, files, pairs, [&](const Drive& on, const std::string& folder) {
+        for (int i = 0; i < files; ++i) {
+            write_plainly(content, on.target(name(folder, i)));
+        }
+    });
+    compare(drive, what + ", rows", files, pairs, [&](const Drive& on, const std::string& folder) {
+        PlainRows rows(on.database(), folder);
+        for (int i = 0; i < files; ++i) {
+            write_plainly(content, on.target(name(folder, i)));
+            rows.add(i + 1);
+        }
+    });
 }
 
 }  // namespace
