@@ -43,7 +43,8 @@ struct ForeignServersTest : HomeNetworkTest {
         }
         return complete;
     }
-    /// Servers look at their files after they have started: waits until the search finds so many.
+    /// Servers look at their files after they have started, and may find nothing while they still do: waits
+    /// until the search finds so many.
     std::vector<Item> wait_until_found(const std::string& keyword, int type, size_t count) {
         const gint64 deadline = g_get_monotonic_time() + 60 * G_USEC_PER_SEC;
         std::vector<Item> items = found(keyword, type);
@@ -119,11 +120,13 @@ TEST_F(ReadyMediaTest, IsBrowsedAndShowsItsItemsInTheOrderedViews) {
 }
 
 TEST_F(ReadyMediaTest, GivesAFileAndHasItsPositionKept) {
-    const std::vector<Item> photos = found("photo", NBL_ITEM_TYPE_IMAGE);
+    const std::vector<Item> photos = wait_until_found("photo", NBL_ITEM_TYPE_IMAGE, 1);
     ASSERT_THAT(photos, SizeIs(1));
     expect_download(photos[0], server->path("pictures/photo.jpg"));
 
-    const Item song = found("", NBL_ITEM_TYPE_MUSIC)[0];
+    const std::vector<Item> songs = wait_until_found("", NBL_ITEM_TYPE_MUSIC, 3);
+    ASSERT_THAT(songs, SizeIs(3));
+    const Item& song = songs[0];
     EXPECT_EQ(set_bookmark(provider, song.get(), 42), NBL_ERROR_NONE);
     EXPECT_EQ(item_of(provider, song.id()).number(nbl_item_get_bookmark), 42);
 }
