@@ -6,11 +6,35 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 namespace {
 
 void die_with_parent(void*) {
     prctl(PR_SET_PDEATHSIG, SIGTERM);
+}
+
+bool has_line(const std::string& log, const std::string& text) {
+    std::ifstream lines(log);
+    std::string line;
+    while (std::getline(lines, line)) {
+        if (line.find(text) != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Waits until a program has written a line with `text` into its log.
+void wait_for_line(const std::string& log, const std::string& text) {
+    const gint64 deadline = g_get_monotonic_time() + 60 * G_USEC_PER_SEC;
+    while (!has_line(log, text)) {
+        if (g_get_monotonic_time() > deadline) {
+            std::fprintf(stderr, "%s does not say: %s\n", log.c_str(), text.c_str());
+            std::abort();
+        }
+        g_usleep(10000);
+    }
 }
 
 }  // namespace
@@ -69,7 +93,9 @@ ReadyMedia::ReadyMedia() {
                     "\ninotify=yes\nnotify_interval=2\nuuid=" + id.substr(id.find(':') + 1) + "\n");
     std::filesystem::create_directory(own_.path("db"));
     std::filesystem::create_directory(own_.path("log"));
-    run({"minidlnad", "-d", "-f", conf, "-P", own_.path("pid")});
+    run({"minidlnad", "-S", "-f", conf, "-P", own_.path("pid")});
+    // While it looks at its files, a question may fail, and may make it lose a file for good.
+    wait_for_line(own_.path("log") + "/minidlna.log", "Finished parsing playlists");
 }
 
 Rygel::Rygel() {

@@ -34,7 +34,7 @@ private:
     GSubprocess* process_ = nullptr;
 };
 
-/// ReadyMedia: browses, searches, takes nothing.
+/// ReadyMedia: browses, searches, takes nothing. Has looked at its files when it is made.
 class ReadyMedia : public ForeignServer {
 public:
     static constexpr char kId[] = "uuid:4d696e69-444c-164e-9d41-000000000001";
