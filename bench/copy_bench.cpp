@@ -39,6 +39,7 @@ using bench::median;
 constexpr size_t kBlock = 65536;
 constexpr int kBlocksPerFlush = 16;
 constexpr size_t kSmallFile = 4096;
+constexpr int kPatience = 10000;  // milliseconds for the rows of the job before
 
 /// A drive with a media database of its own, in the directory that the command line names.
 class Drive {
@@ -131,6 +132,7 @@ class PlainRows {
 public:
     PlainRows(const fs::path& database, const std::string& folder) {
         check(sqlite3_open(database.c_str(), &database_));
+        sqlite3_busy_timeout(database_, kPatience);
         run("PRAGMA synchronous = NORMAL");
         run("INSERT INTO folder(storage, path, name, name_key) SELECT key, '/" + folder + "', '" + folder +
             "', x'00' FROM storage LIMIT 1");
