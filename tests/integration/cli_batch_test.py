@@ -395,19 +395,24 @@ class DriveTest(JobTest):
         self.assertEqual(("failed", 1), (events[-1]["event"], events[-1]["files_done"]))
         self.assertIn(b"2 files not copied", result.stderr)
 
-    def test_drive_that_is_pulled_ends_the_job(self):
-        self.mount("size=64m")
-        many_pictures(self.tree, MANY)
-        command = [QRA, "copy", str(self.tree), "--select", "DISPLAY_NAME=many_*", "--to", str(self.target), "--json"]
+    def fail_on_pulled_drive(self, command, drive):
+        """Takes the drive away in the middle of a job. Gives the job's events and what it says at its end."""
         with subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE) as process:
             events = []
             for line in process.stdout:
                 events.append(json.loads(line))
                 if len(events) == 3:
-                    subprocess.run(["umount", "-l", self.target], check=True)
+                    subprocess.run(["umount", "-l", drive], check=True)
             message = process.stderr.read().decode()
             self.assertEqual(FAILED, process.wait(timeout=120))
+        return events, message
+
+    def test_drive_that_is_pulled_ends_the_job(self):
+        self.mount("size=64m")
+        many_pictures(self.tree, MANY)
+        command = [QRA, "copy", str(self.tree), "--select", "DISPLAY_NAME=many_*", "--to", str(self.target), "--json"]
+        events, message = self.fail_on_pulled_drive(command, self.target)
         # Noticed by the library at a file, or by the tool between two.
         reasons = [event["reason"] for event in events if "reason" in event]
         self.assertIn("the target is gone", message + str(reasons))
@@ -423,15 +428,7 @@ class DriveTest(JobTest):
         content = os.open(drive, os.O_RDONLY)
         self.addCleanup(os.close, content)
         command = [QRA, "delete", str(drive), "--select", "all", "--yes", "--json"]
-        with subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE) as process:
-            events = []
-            for line in process.stdout:
-                events.append(json.loads(line))
-                if len(events) == 3:
-                    subprocess.run(["umount", "-l", drive], check=True)
-            message = process.stderr.read().decode()
-            self.assertEqual(FAILED, process.wait(timeout=120))
+        events, message = self.fail_on_pulled_drive(command, drive)
         left = set(os.listdir(content))
         done = {event["name"] for event in events if event["event"] == "file_done"}
         self.assertEqual(set(), done & left)
