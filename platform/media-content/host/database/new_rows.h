@@ -27,10 +27,10 @@ struct NewFile {
  * The rows of single files on their way into the database.
  *
  * A copy of thousands of small files would pay more for a transaction of each row than for the file. So a
- * thread writes the rows, in one transaction all that came within 20 ms. This process does not notice, as
- * whoever reads the database waits for the rows that were added before, with settle(). Other processes see
- * them that much later. A process that is killed loses the rows of that time, whose files the next scan of
- * the drive finds.
+ * thread writes the rows, in one transaction all that came within 20 ms. Lists and counts of this process
+ * have them at once, as readers wait with settle() for the rows that were added before; only the values of a
+ * row that is listed already are read without waiting. Other processes see them that much later. A process
+ * that is killed loses the rows of that time, whose files the next scan of the drive finds.
  *
  * Any thread may call anything, but for settle() a thread that has a WriteLease. The thread begins with the
  * first row.
