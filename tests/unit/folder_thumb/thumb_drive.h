@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <set>
 #include <string>
 
 #include "apps/qra/main_loop_thread.h"
@@ -55,6 +56,18 @@ protected:
             }
         }
         return arguments;
+    }
+
+    /// The scans that the engine was told to stop. A scan that is called off while the engine is still asked
+    /// to start it is stopped twice.
+    std::set<std::string> stopped_scans() const {
+        std::set<std::string> stopped;
+        for (const FakeEngine::Call& call : engine.calls()) {
+            if (call.method == "stop_scanner_thumb") {
+                stopped.insert(call.arguments);
+            }
+        }
+        return stopped;
     }
 
     /// What the engine signals of a scan that is done.
