@@ -40,8 +40,14 @@ struct LongText {
     size_t size = 0;  ///< 0: there is none
 };
 
-/// Where the tag ends that the text begins with.
-size_t end_of_tag(std::string_view text) {
+/// The tag that a text begins with.
+struct Tag {
+    size_t end = std::string_view::npos;  ///< behind it; none where it does not end
+    size_t attributes = 0;                ///< with what it says of namespaces
+};
+
+Tag read_tag(std::string_view text) {
+    Tag tag;
     char quote = '\0';
     for (size_t i = 0; i < text.size(); ++i) {
         const char c = text[i];
@@ -49,11 +55,31 @@ size_t end_of_tag(std::string_view text) {
             quote = c == quote ? '\0' : quote;
         } else if (c == '"' || c == '\'') {
             quote = c;
+        } else if (c == '=') {
+            ++tag.attributes;
         } else if (c == '>') {
-            return i + 1;
+            tag.end = i + 1;
+            break;
         }
     }
-    return std::string_view::npos;
+    return tag;
+}
+
+/// The document up to the first tag with more attributes than any tag has. The parser compares each of them
+/// with all others: it would be at a tag of a megabyte for minutes.
+std::string_view before_endless_tag(std::string_view document) {
+    // A tag with that many attributes is longer than this.
+    constexpr size_t kShort = size_t{4} * kMostXmlAttributes;
+    size_t tag = document.find('<');
+    while (tag != std::string_view::npos) {
+        const size_t next = document.find('<', tag + 1);
+        const std::string_view piece = document.substr(tag, next - tag);
+        if (piece.size() > kShort && read_tag(piece).attributes > kMostXmlAttributes) {
+            return document.substr(0, tag);
+        }
+        tag = next;
+    }
+    return document;
 }
 
 /// Whether the text means the same to the parser as to without_entities().
@@ -73,7 +99,7 @@ LongText find_long_text(std::string_view document) {
             break;
         }
         const size_t end =
-            piece.size() > kLong && next != std::string_view::npos ? end_of_tag(piece) : piece.size();
+            piece.size() > kLong && next != std::string_view::npos ? read_tag(piece).end : piece.size();
         if (end < piece.size() && piece.size() - end > kLong) {
             const bool fits = is_simple(piece.substr(end)) &&
                               document.find(kStandIn) == std::string_view::npos &&
@@ -189,7 +215,8 @@ std::string_view XmlAttributes::find(std::string_view local) const {
     return {};
 }
 
-bool read_xml(std::string_view document, XmlHandler& handler) {
+bool read_xml(std::string_view whole_document, XmlHandler& handler) {
+    const std::string_view document = before_endless_tag(whole_document);
     if (document.empty() || document.size() > INT_MAX) {
         return false;
     }

@@ -157,6 +157,25 @@ TEST(DidlReader, StopsWhereElementsLieTooDeep) {
     EXPECT_FALSE(whole);
 }
 
+std::string attributes(int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        text += " a" + std::to_string(i) + "=\"x=y>z\"";
+    }
+    return text;
+}
+
+TEST(DidlReader, StopsAtATagWithMoreAttributesThanAnyHas) {
+    constexpr int kMost = static_cast<int>(kMostXmlAttributes);
+    bool whole = true;
+    const auto items =
+        read(kHead + titled("a") + "<item" + attributes(kMost) + "><dc:title>b</dc:title></item><item" +
+                 attributes(kMost + 1) + "><dc:title>c</dc:title></item>" + titled("d") + "</DIDL-Lite>",
+             &whole);
+    EXPECT_THAT(titles(items), ElementsAre("a", "b"));
+    EXPECT_FALSE(whole);
+}
+
 TEST(DidlReader, LeavesOutObjectsInsideObjects) {
     const auto items =
         read_objects("<container id=\"1\"><dc:title>outer</dc:title>" + titled("inner") + "</container>");
