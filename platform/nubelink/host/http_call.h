@@ -10,6 +10,8 @@
 
 #include "platform/support/glib_ptr.h"
 
+typedef struct _GCancellable GCancellable;
+typedef struct _SoupMessage SoupMessage;
 typedef struct _SoupSession SoupSession;
 
 namespace nbl {
@@ -44,6 +46,10 @@ private:
 
 /// Whether a text is an address that the service may speak to: http or https, with a host.
 bool is_web_address(const char* uri);
+
+/// Cancels the question of a server that says again and again that its answer is to come. libsoup reads that
+/// without ever coming back to its loop as long as there is more of it: no timer would come to its turn.
+void cancel_where_never_answered(SoupMessage* message, GCancellable* cancel);
 
 struct HttpQuestion {
     static constexpr size_t kLargestAnswer = size_t{8} << 20;

@@ -49,8 +49,8 @@ constexpr size_t kMostXmlAttributes = 64;
 /**
  * Hands a document from a stranger to `handler`. Where it is broken, what can be understood is handed over
  * all the same. A document type ends the reading, and with it entities, attribute defaults and everything
- * that makes a parser fetch or expand; so do elements that lie deeper than kDeepestXml, and tags with more than
- * kMostXmlAttributes.
+ * that makes a parser fetch or expand; so do elements that lie deeper than kDeepestXml, and tags with more
+ * than kMostXmlAttributes.
  *
  * Holds the process's turn at libxml2 (xml_turn.h) all the while: `handler` must not wait for anybody, nor
  * read another document.

@@ -34,6 +34,15 @@ std::string head_of(const Object& object, std::size_t size) {
            "\r\n\r\n";
 }
 
+/// So many answers that say that another one is to come.
+std::string preliminary_answers(int count) {
+    std::string answers;
+    for (int i = 0; i < count; ++i) {
+        answers += "HTTP/1.1 102 Processing\r\n\r\n";
+    }
+    return answers;
+}
+
 }  // namespace
 
 FileService::FileService(SoupServer* server, std::string directory, Content& content, Faults& faults,
@@ -98,6 +107,8 @@ void FileService::give(SoupServerMessage* message, const Object& object) {
     const std::string type = faults_.take(kGet, "type").value_or(object.mime);
     if (const auto cut = faults_.take_number(kGet, "cut")) {
         reply_raw(message, head_of(object, bytes.size()) + bytes.substr(0, static_cast<std::size_t>(*cut)));
+    } else if (const auto answers = faults_.take_number(kGet, "preliminary")) {
+        reply_raw(message, preliminary_answers(*answers) + head_of(object, bytes.size()) + bytes);
     } else if (const auto silent = faults_.take_number(kGet, "silent")) {
         const auto said = std::min(static_cast<std::size_t>(*silent), bytes.size());
         fall_silent(message, 200, bytes.substr(0, said));
@@ -129,6 +140,8 @@ void FileService::on_import_body(SoupServer*, SoupServerMessage* message, const 
     const std::string id = id_of(path);
     if (const auto status = service->faults_.take_number(kPost, "status")) {
         reply(message, static_cast<unsigned>(*status), "no", "text/plain");
+    } else if (const auto answers = service->faults_.take_number(kPost, "preliminary")) {
+        reply_raw(message, preliminary_answers(*answers) + "HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
     } else if (service->faults_.is_on(kPost, "hold")) {
         service->hold(message, [service, id](SoupServerMessage* held) { service->import(held, id); });
     } else {

@@ -134,6 +134,11 @@ TEST_F(DownloadTest, TellsProgressAgainAndAgain) {
     EXPECT_EQ(directory.read("file"), generated_bytes(kSize));
 }
 
+TEST_F(DownloadTest, FailsWhereTheFileIsSaidToComeAgainAndAgain) {
+    server->set("GET.preliminary", "100");
+    expect_failure(NBL_ERROR_NETWORK);
+}
+
 TEST_F(DownloadTest, FailsWhereTheConnectionBreaks) {
     server->set("GET.cut", "1000");
     expect_failure(NBL_ERROR_NETWORK);

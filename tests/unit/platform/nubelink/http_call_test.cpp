@@ -82,6 +82,27 @@ TEST_F(HttpCallTest, TellsAnAnswerThatIsCutOff) {
     EXPECT_EQ(ask(question("/a")).error, NBL_ERROR_NETWORK);
 }
 
+/// So many answers that say that another one is to come, and then that one.
+std::string answer_after(int preliminary_answers) {
+    std::string bytes;
+    for (int i = 0; i < preliminary_answers; ++i) {
+        bytes += "HTTP/1.1 102 Processing\r\n\r\n";
+    }
+    return bytes + "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nat";
+}
+
+TEST_F(HttpCallTest, WaitsForAnAnswerThatIsSaidToComeAFewTimes) {
+    server.on("/a", [](SoupServerMessage* message) { reply_raw(message, answer_after(5)); });
+    const HttpAnswer answer = ask(question("/a"));
+    EXPECT_EQ(answer.error, NBL_ERROR_NONE);
+    EXPECT_EQ(answer.body, "at");
+}
+
+TEST_F(HttpCallTest, EndsWhereAnAnswerIsSaidToComeAgainAndAgain) {
+    server.on("/a", [](SoupServerMessage* message) { reply_raw(message, answer_after(100)); });
+    EXPECT_EQ(ask(question("/a")).error, NBL_ERROR_NETWORK);
+}
+
 TEST_F(HttpCallTest, TellsWhereNobodyListens) {
     HttpQuestion asked;
     asked.uri = "http://127.0.0.1:1/";

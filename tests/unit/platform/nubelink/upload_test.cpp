@@ -189,6 +189,11 @@ TEST_F(UploadTest, FailsWhereTheServerWantsNoBytes) {
     EXPECT_EQ(left_behind, "upload-0");
 }
 
+TEST_F(UploadTest, FailsWhereTheAnswerIsSaidToComeAgainAndAgain) {
+    server->set("POST.preliminary", "100");
+    EXPECT_EQ(send(), NBL_ERROR_NETWORK);
+}
+
 TEST_F(UploadTest, FailsWhereTheConnectionBreaks) {
     server->set("POST.cut");
     EXPECT_EQ(send(), NBL_ERROR_NETWORK);
