@@ -195,7 +195,8 @@ bool CQRACopyThread::m_CopyFile(const std::string& strPath, const std::string& s
         QRA_LOG_WARNING(QRA_TAG_SEND, "m_OpenSrcAndDstFile() faild.");
         return false;
     }
-    const auto buffer = std::make_unique<char[]>(kBlockSize);
+    // Not filled with zeros, as make_unique does: that shows where thousands of small files are copied.
+    const std::unique_ptr<char[]> buffer(new char[kBlockSize]);
     const SHARE_RESULT_TYPE eResType = m_CopySrcFile(buffer.get());
     if (eResType == SHARE_RESULT_SUCCESS) {
         m_CopyAttacheFile(buffer.get(), strOut);

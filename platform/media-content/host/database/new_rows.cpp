@@ -56,6 +56,7 @@ bool NewRows::settle(std::chrono::milliseconds most) {
 }
 
 void NewRows::run() {
+    std::vector<Entry> entries;
     std::unique_lock<std::mutex> lock(mutex_);
     while (true) {
         wanted_.wait(lock, [this] { return ending_ || !waiting_.empty(); });
@@ -64,12 +65,14 @@ void NewRows::run() {
         }
         wanted_.wait_for(lock, kLinger, [this] { return ending_ || hurry_ || waiting_.size() >= kBatch; });
         hurry_ = false;
-        std::vector<Entry> entries = std::exchange(waiting_, {});
+        entries.swap(waiting_);
         written_.notify_all();  // there is room again
         lock.unlock();
         write(entries);
+        const size_t count = entries.size();
+        entries.clear();
         lock.lock();
-        written_count_ += entries.size();
+        written_count_ += count;
         written_.notify_all();
     }
 }

@@ -49,7 +49,8 @@ size_t FileSource::read(uint64_t offset, void* out, size_t length) {
         if (length > kWindowSize / 2) {
             return fetch(offset, out, length);
         }
-        windowed_ = {offset, fetch(offset, window_.data(), kWindowSize)};
+        const auto most = static_cast<size_t>(std::min<uint64_t>(kWindowSize, size_ - offset));
+        windowed_ = {offset, fetch(offset, window_.data(), most)};
         length = static_cast<size_t>(std::min<uint64_t>(length, windowed_.length));
     }
     std::memcpy(out, window_.data() + (offset - windowed_.offset), length);
