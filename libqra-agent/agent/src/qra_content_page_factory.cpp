@@ -15,6 +15,8 @@ namespace {
 
 // Every page of a local source is laid out in columns.
 constexpr unsigned long kLocalPageStyle = 0x01 | CQRAContentPage::kStyleColumnOrder;
+/// More tiles than any column of a screen has.
+constexpr int kMostSingleFillers = 1000;
 
 bool Has(int nMask, int nBit) {
     return (nMask & nBit) != 0;
@@ -248,7 +250,10 @@ bool CQRAContentPageFactory::m_AddEmptyItem(CQRAAgentHandle* pHandle) {
     return pHandle->GetContentPage()->AddEmptyItem(-1, 1);
 }
 
+// The client chooses how many rows there are: a number that no screen has is one run, not a tile at a time.
 bool CQRAContentPageFactory::m_AddEmptyItems(CQRAAgentHandle* pHandle, int nCount) {
+    if (nCount > kMostSingleFillers)
+        return pHandle->GetContentPage()->AddEmptyItem(-1, nCount);
     bool bAdded = true;
     for (int i = 0; i < nCount; ++i)
         bAdded = m_AddEmptyItem(pHandle) && bAdded;

@@ -303,6 +303,25 @@ TEST_F(Factory, TheUpFolderTileHasNoColumnOfItsOwnWithoutMediaOrWithOneRow) {
     EXPECT_EQ(page(), "upfolder -1+1, contents 3+3, contents 6+4");
 }
 
+// A number of rows that no screen has costs neither time nor memory.
+TEST_F(Factory, FillersOfAVeryLongColumnAreOneRun) {
+    prepare_folder("CATEGORY-FOLDER-DATE");
+
+    ASSERT_EQ(build_folder(0xA4, -1, 1000000, 9), QRA_ERROR_NONE);
+
+    EXPECT_EQ(page(),
+              "upfolder -1+1, empty -1+999999, contents 3+3, empty -1+999997, contents 6+4, empty -1+999996");
+    EXPECT_EQ(handle_->GetContentPage()->GetEmptyItemCount(), 999999 + 999997 + 999996);
+}
+
+TEST_F(Factory, AColumnThatIsAsLongAsAListCanBeLeavesNoRoomForItsItems) {
+    prepare_folder("CATEGORY-FOLDER-DATE");
+
+    EXPECT_EQ(build_folder(0xA4, -1, INT_MAX, 1), QRA_ERROR_INTERNAL);
+
+    EXPECT_EQ(handle_->GetContentPage(), nullptr);
+}
+
 TEST_F(Factory, AnUhdFolderWithUpFolderShowsFoldersFirst) {
     prepare_folder("CATEGORY-UHD-FOLDER-WITHUPFOLDER");
 
