@@ -4,6 +4,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstring>
 
 #include "common/util/qra_assert.h"
@@ -31,10 +32,10 @@ std::string CSelectListBuilder::Build() {
 }
 
 void CSelectListBuilder::m_GenerateIdAndName() {
-    static int s_nId = 0;
-    ++s_nId;
-    m_strShmName = kSelectListShmPrefix + std::to_string(s_nId);
-    QRA_LOG_TRACE(QRA_TAG_LOCAL, "called the %d times, shm name is %s", s_nId, m_strShmName.c_str());
+    static std::atomic<int> s_nId{0};
+    const int nId = ++s_nId;
+    m_strShmName = kSelectListShmPrefix + std::to_string(nId);
+    QRA_LOG_TRACE(QRA_TAG_LOCAL, "called the %d times, shm name is %s", nId, m_strShmName.c_str());
 }
 
 bool CSelectListBuilder::m_BuildHeader(int nItemCount, int ePageItemType) {

@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <set>
+#include <thread>
 #include <vector>
 
 #include "tests/fakes/dlog_capture.h"
@@ -79,6 +81,26 @@ TEST_F(SelectListBuilder, WritesOverALongerObjectThatWasLeftBehind) {
     close(fd);
 
     EXPECT_EQ(words_of(build()).size(), 7u);
+}
+
+TEST_F(SelectListBuilder, SelectionsThatAreHandedOnAtOnceHaveObjectsOfTheirOwn) {
+    constexpr int kEach = 20;
+    std::vector<std::string> others;
+    CSelectList other_list;
+    other_list.AddItem(1);
+
+    std::thread other([&] {
+        for (int i = 0; i < kEach; ++i) {
+            others.push_back(CSelectListBuilder(&other_list).Build());
+        }
+    });
+    for (int i = 0; i < kEach; ++i) {
+        build();
+    }
+    other.join();
+
+    names_.insert(names_.end(), others.begin(), others.end());
+    EXPECT_EQ(std::set<std::string>(names_.begin(), names_.end()).size(), 2u * kEach);
 }
 
 using SelectListBuilderDeathTest = SelectListBuilder;
