@@ -7,7 +7,6 @@
 #include "common/util/qra_assert.h"
 #include "common/util/qra_file64.h"
 #include "common/util/qra_log.h"
-#include "libqra-agent/agent/src/qra_handler.h"
 #include "libqra-agent/agent/src/qra_local_agent.h"
 #include "libqra-agent/agent/src/qra_pvr_info.h"
 #include "libqra-agent/agent/src/qra_type.h"
@@ -26,13 +25,9 @@ CQRALockUnLockThread::~CQRALockUnLockThread() {
 qra_error_code_e CQRALockUnLockThread::Excute(qra_share_s* pShare, CQRAAgentHandle* pAgentHandle,
                                               qra_share_user_data_s* pUserData,
                                               CQRASendHandle** ppSendHandle) {
-    if (!t_InitShareHandler(pShare, pUserData, pAgentHandle, QRA_PROCESSOR_TYPE_LOCK, this, ppSendHandle)) {
-        QRA_LOG_WARNING(QRA_TAG_SEND, "InitShareHandler() faild.");
-        return QRA_ERROR_INVALID_PARAM;
-    }
-    m_pLocalAgent = CQRAAgentHandle::GetLocalAgent(pAgentHandle);
+    m_pLocalAgent =
+        t_InitLocalShareHandler(pShare, pUserData, pAgentHandle, QRA_PROCESSOR_TYPE_LOCK, this, ppSendHandle);
     if (m_pLocalAgent == nullptr) {
-        QRA_LOG_WARNING(QRA_TAG_SEND, "Invalid agent handle recevied!!");
         return QRA_ERROR_INVALID_PARAM;
     }
     m_bLock = pShare->lock;

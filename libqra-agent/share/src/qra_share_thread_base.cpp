@@ -53,6 +53,20 @@ bool CQRAShareThreadBase::t_InitShareHandler(const qra_share_s* pShare,
     return true;
 }
 
+CQRALocalAgent* CQRAShareThreadBase::t_InitLocalShareHandler(
+    const qra_share_s* pShare, const qra_share_user_data_s* pUserData, CQRAAgentHandle* pAgentHandle,
+    qra_processor_type_e eProcessType, IQRAShareThread* pThread, CQRASendHandle** ppSendHandle) {
+    if (!t_InitShareHandler(pShare, pUserData, pAgentHandle, eProcessType, pThread, ppSendHandle)) {
+        QRA_LOG_WARNING(QRA_TAG_SEND, "InitShareHandler() faild.");
+        return nullptr;
+    }
+    CQRALocalAgent* const pLocalAgent = CQRAAgentHandle::GetLocalAgent(pAgentHandle);
+    if (pLocalAgent == nullptr) {
+        QRA_LOG_WARNING(QRA_TAG_SEND, "Invalid agent handle recevied!!");
+    }
+    return pLocalAgent;
+}
+
 void CQRAShareThreadBase::t_DestroyShareHandler() {
     t_pShareFileInfo.reset();
 }

@@ -11,6 +11,8 @@
 #include "libqra-agent/share/src/qra_share_status.h"
 #include "libqra-agent/share/src/qra_share_thread.h"
 
+class CQRALocalAgent;
+
 /// What became of one file of a batch job.
 enum SHARE_RESULT_TYPE : int {
     SHARE_RESULT_SUCCESS = 0,      ///< counted and reported
@@ -51,6 +53,10 @@ protected:
     bool t_InitShareHandler(const qra_share_s* pShare, const qra_share_user_data_s* pUserData,
                             CQRAAgentHandle* pAgentHandle, qra_processor_type_e eProcessType,
                             IQRAShareThread* pThread, CQRASendHandle** ppSendHandle);
+    /// The same for a job that works through the local agent: the agent, null if something is missing.
+    CQRALocalAgent* t_InitLocalShareHandler(const qra_share_s* pShare, const qra_share_user_data_s* pUserData,
+                                            CQRAAgentHandle* pAgentHandle, qra_processor_type_e eProcessType,
+                                            IQRAShareThread* pThread, CQRASendHandle** ppSendHandle);
     void t_DestroyShareHandler();
     bool t_CreateJob(std::string strName);
     /// Waits for the thread.

@@ -86,6 +86,18 @@ _stAppData record_of(void* user_data) {
     return record;
 }
 
+void expect_no_parts(const CQRAAgentHandle& handle) {
+    EXPECT_EQ(handle.GetSelectList(), nullptr);
+    EXPECT_EQ(handle.GetResultPool(), nullptr);
+    EXPECT_EQ(handle.GetContentPage(), nullptr);
+    EXPECT_EQ(handle.GetRequestParam(), nullptr);
+    EXPECT_EQ(handle.GetAgentInstance(), nullptr);
+    EXPECT_EQ(handle.GetSource(), nullptr);
+    EXPECT_EQ(handle.GetGroupInfo(), nullptr);
+    EXPECT_EQ(handle.GetPageParam(), nullptr);
+    EXPECT_EQ(handle.GetItemBuilder(), nullptr);
+}
+
 }  // namespace
 
 TEST(CQRAHandle, EachKindKnowsItsType) {
@@ -132,15 +144,7 @@ TEST(CQRAAgentHandle, IsEmptyAtFirst) {
     EXPECT_EQ(handle.GetPageItemType(), QRA_PG_ITEM_NONE);
     EXPECT_FALSE(handle.GetRepeatDLNA());
     EXPECT_FALSE(handle.GetRepeatMSC());
-    EXPECT_EQ(handle.GetSelectList(), nullptr);
-    EXPECT_EQ(handle.GetResultPool(), nullptr);
-    EXPECT_EQ(handle.GetContentPage(), nullptr);
-    EXPECT_EQ(handle.GetRequestParam(), nullptr);
-    EXPECT_EQ(handle.GetAgentInstance(), nullptr);
-    EXPECT_EQ(handle.GetSource(), nullptr);
-    EXPECT_EQ(handle.GetGroupInfo(), nullptr);
-    EXPECT_EQ(handle.GetPageParam(), nullptr);
-    EXPECT_EQ(handle.GetItemBuilder(), nullptr);
+    expect_no_parts(handle);
 }
 
 TEST(CQRAAgentHandle, GivesBackWhatWasSet) {
@@ -194,15 +198,7 @@ TEST(CQRAAgentHandle, DestroyOperationsDeleteAndNullTheirField) {
         handle.DestroyItemBuilder();
     }
 
-    EXPECT_EQ(handle.GetSelectList(), nullptr);
-    EXPECT_EQ(handle.GetResultPool(), nullptr);
-    EXPECT_EQ(handle.GetContentPage(), nullptr);
-    EXPECT_EQ(handle.GetRequestParam(), nullptr);
-    EXPECT_EQ(handle.GetAgentInstance(), nullptr);
-    EXPECT_EQ(handle.GetSource(), nullptr);
-    EXPECT_EQ(handle.GetGroupInfo(), nullptr);
-    EXPECT_EQ(handle.GetPageParam(), nullptr);
-    EXPECT_EQ(handle.GetItemBuilder(), nullptr);
+    expect_no_parts(handle);
     EXPECT_EQ(journal,
               (Journal{"parameters destroyed", "agent destroyed", "source destroyed", "builder destroyed"}));
 }

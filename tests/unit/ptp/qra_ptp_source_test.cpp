@@ -158,6 +158,17 @@ protected:
 
     CQRAPTPSource& source() { return client_.source(); }
 
+    /// Lets no thread make `call` before the gate is opened.
+    void hold(const std::string& call, Gate& gate) {
+        gate.close();
+        fake_.before = [call, &gate](const std::string& made, int) {
+            if (made == call) {
+                gate.pass();
+            }
+            return 0;
+        };
+    }
+
     Client client_;
 };
 using PtpSourceDeath = PtpSource;
@@ -435,13 +446,7 @@ TEST_F(PtpSource, FailsForAFolderThatCannotBeRead) {
 
 TEST_F(PtpSource, CallsNobodyAfterTheCallbackWasTakenAway) {
     Gate gate;
-    gate.close();
-    fake_.before = [&gate](const std::string& call, int) {
-        if (call == "get_object_handles") {
-            gate.pass();
-        }
-        return 0;
-    };
+    hold("get_object_handles", gate);
     client_.open();
     ASSERT_TRUE(client_.execute());
     gate.wait_for_arrival();
@@ -466,13 +471,7 @@ TEST_F(PtpSource, TakingTheCallbackAwayDoesNotWaitForOneThatRuns) {
 
 TEST_F(PtpSource, ClosingWaitsForTheWalk) {
     Gate gate;
-    gate.close();
-    fake_.before = [&gate](const std::string& call, int) {
-        if (call == "get_object_handles") {
-            gate.pass();
-        }
-        return 0;
-    };
+    hold("get_object_handles", gate);
     client_.open();
     ASSERT_TRUE(client_.execute());
     gate.wait_for_arrival();
@@ -515,13 +514,7 @@ TEST_F(PtpSource, TwoSourcesOnOneCameraWaitForEachOther) {
     client_.open();
     other.open();
     Gate gate;
-    gate.close();
-    fake_.before = [&gate](const std::string& call, int) {
-        if (call == "objectinfo_get_object_info") {
-            gate.pass();
-        }
-        return 0;
-    };
+    hold("objectinfo_get_object_info", gate);
     ASSERT_TRUE(client_.execute());
     gate.wait_for_arrival();
     // The second request is accepted at once, and changes nothing for the first.
@@ -570,13 +563,7 @@ TEST_F(PtpSource, ACameraPulledOutDuringAWalkEndsIt) {
 
 TEST_F(PtpSource, ASecondRequestBeforeTheAnswerShowsItsOwnListInTheEnd) {
     Gate gate;
-    gate.close();
-    fake_.before = [&gate](const std::string& call, int) {
-        if (call == "get_object_handles") {
-            gate.pass();
-        }
-        return 0;
-    };
+    hold("get_object_handles", gate);
     client_.open();
     ASSERT_TRUE(client_.execute());
     gate.wait_for_arrival();
