@@ -37,6 +37,7 @@ struct JobKind {
     std::string target;  ///< for the library
     std::uint64_t bytes = 0;
     Reason failure;
+    Reason shortfall = [](const JobItem&) { return std::string(); };  ///< of a file that is done
     std::function<bool()> has_gone;  ///< the drive that is written to; asked at each report
 };
 
@@ -143,9 +144,18 @@ private:
         } else if (report.event == QRA_EVENT_BATCH_FILE_DONE && number > 0 && number <= items_.size()) {
             done_[number - 1] = true;
             ++progress_.files_done;
-            output_.file_done(items_[number - 1], progress_);
+            take_done(items_[number - 1]);
         } else if (report.event == QRA_EVENT_BATCH_FAILED) {
             failed_ = std::min(number, items_.size() - 1);
+        }
+    }
+
+    void take_done(const JobItem& item) {
+        output_.file_done(item, progress_);
+        const std::string shortfall = kind_.shortfall(item);
+        if (!shortfall.empty()) {
+            output_.incomplete(item, shortfall);
+            ++incomplete_;
         }
     }
 
@@ -180,6 +190,9 @@ private:
             }
         }
         output_.ended("finished", progress_);
+        if (incomplete_ > 0) {
+            fail(files_text(incomplete_, 0) + " copied without all companions");
+        }
         check_left_out(left_out_);
     }
 
@@ -187,6 +200,7 @@ private:
     ListRequest& request_;
     std::vector<JobItem> items_;  // in the order of the job
     std::size_t left_out_;
+    std::size_t incomplete_ = 0;
     std::vector<bool> done_;
     JobOutput& output_;
     JobProgress progress_;
@@ -245,6 +259,7 @@ void run_copy(const CommandLine& line) {
     kind.target = media_path(drives, directory);
     kind.bytes = bytes_of(plan.items);
     kind.failure = [&](const JobItem& item) { return copy_failure(item, directory, limits); };
+    kind.shortfall = [&](const JobItem& item) { return planned.shortfall(item); };
     kind.has_gone = [&] { return has_gone(directory, limits); };
     JobRun(kind, browsing.request(), plan, output).run();
 }

@@ -374,19 +374,36 @@ std::string PlannedCopies::add(const JobItem& item) {
     if (!name_refusal(*name, limits_).empty()) {
         return "has a name that is taken on the target, and too long for a number";
     }
-    const std::string path = folder + "/" + *name;
-    std::map<std::string, std::string> taken = {{key(path), item.path}};
+    Copy copy;
+    copy.path = folder + "/" + *name;
+    std::map<std::string, std::string> taken = {{key(copy.path), item.path}};
     for (const std::string& source : companions_of(item)) {
-        const std::string companion = stem_of(path) + source.substr(stem_of(source).size());
+        const std::string companion = stem_of(copy.path) + source.substr(stem_of(source).size());
         const auto planned = sources_.find(key(companion));
         if (is_there(companion) || is_link(companion) ||
             (planned != sources_.end() && planned->second != source)) {
             return "has a companion that would replace " + printable_text(companion);
         }
         taken.emplace(key(companion), source);
+        copy.companions.push_back({source, companion});
     }
     sources_.merge(taken);
+    copies_[item.tile] = std::move(copy);
     return "";
+}
+
+std::string PlannedCopies::shortfall(const JobItem& item) const {
+    const auto planned = copies_.find(item.tile);
+    if (planned == copies_.end() || size_of(planned->second.path) != item.size) {
+        return "";
+    }
+    std::string lost;
+    for (const auto& [source, copy] : planned->second.companions) {
+        if (!is_there(copy) || size_of(copy) != size_of(source)) {
+            lost += (lost.empty() ? "" : ", ") + printable_text(source);
+        }
+    }
+    return lost.empty() ? "" : "is copied without its companion " + lost;
 }
 
 std::string PlannedCopies::key(const std::string& path) const {

@@ -57,13 +57,27 @@ public:
     /// name of its own, would replace a file.
     std::string add(const JobItem& item);
 
+    /// What an item lacks once its copy is reported as done: the companions that did not come whole. Empty
+    /// for nothing, and where the copy took another place than was planned.
+    std::string shortfall(const JobItem& item) const;
+
 private:
+    struct Companion {
+        std::string source;
+        std::string copy;
+    };
+    struct Copy {
+        std::string path;
+        std::vector<Companion> companions;
+    };
+
     /// A path as the target tells it from others.
     std::string key(const std::string& path) const;
 
     const std::string directory_;
     const TargetLimits& limits_;
     std::map<std::string, std::string> sources_;  ///< of each file to come, by the key of its path
+    std::map<int, Copy> copies_;                  ///< by the item's tile
 };
 
 /// Why a file cannot be removed, or is a recording that a job does not delete.

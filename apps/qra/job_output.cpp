@@ -102,10 +102,18 @@ void JobOutput::file_done(const JobItem& item, const JobProgress& progress) {
     }
 }
 
+void JobOutput::incomplete(const JobItem& item, const std::string& reason) {
+    tell("file_incomplete", item, reason);
+}
+
 void JobOutput::failed(const JobItem& item, const std::string& reason) {
+    tell("file_failed", item, reason);
+}
+
+void JobOutput::tell(const char* event, const JobItem& item, const std::string& reason) {
     line_.wipe();
     if (json_) {
-        Event("file_failed").with(item).with_reason(reason).send();
+        Event(event).with(item).with_reason(reason).send();
         return;
     }
     print_note(printable_text(item.name) + " " + reason);

@@ -21,6 +21,8 @@ public:
     void started(const JobProgress& progress);
     void progress(const JobProgress& progress);
     void file_done(const JobItem& item, const JobProgress& progress);
+    /// A file that is done, but not whole with what belongs to it.
+    void incomplete(const JobItem& item, const std::string& reason);
     void failed(const JobItem& item, const std::string& reason);
 
     /// @param event "finished", "failed" or "stopped"
@@ -29,6 +31,7 @@ public:
 private:
     class Event;
     void show(const JobProgress& progress);
+    void tell(const char* event, const JobItem& item, const std::string& reason);
 
     bool json_;
     std::string done_word_;

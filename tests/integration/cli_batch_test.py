@@ -395,6 +395,21 @@ class DriveTest(JobTest):
         self.assertEqual(("failed", 1), (events[-1]["event"], events[-1]["files_done"]))
         self.assertIn(b"2 files not copied", result.stderr)
 
+    def test_companion_that_finds_no_room_is_told(self):
+        self.mount("size=64m")
+        (self.target / "VIDEO").mkdir()
+        self.mount("size=64k", self.target / "VIDEO")
+        sparse(self.tree / "film.mp4", 1000)
+        (self.tree / "film.srt").write_bytes(b"x" * (1 << 20))
+        result = self.copy("DISPLAY_NAME=film.mp4", status=FAILED)
+        self.assertRegex(result.stderr.decode(), "film.mp4 is copied without its companion .*/film.srt\n")
+        self.assertRegex(result.stderr.decode(), "1 file copied without all companions")
+        self.assertIn(b"1 file (1.0 kB) copied", result.stdout)
+        (self.target / "VIDEO" / "film.mp4").unlink()
+        (self.target / "VIDEO" / "film.srt").unlink()
+        events = self.events(self.copy("DISPLAY_NAME=film.mp4", "--json", status=FAILED))
+        self.assertEqual(["file_done", "file_incomplete", "finished"], [event["event"] for event in events[-3:]])
+
     def fail_on_pulled_drive(self, command, drive):
         """Takes the drive away in the middle of a job. Gives the job's events and what it says at its end."""
         with subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,

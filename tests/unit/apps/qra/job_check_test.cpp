@@ -221,6 +221,24 @@ TEST_F(JobCheck, CopiesOfOneJobTakeNamesFromEachOther) {
     EXPECT_EQ(planned.add(item_named("b.jpg")), "");
 }
 
+TEST_F(JobCheck, CopyThatLacksACompanionIsToldWhereItLies) {
+    JobItem film = item("film.avi", "film");
+    film.media_type = QRA_MEDIA_TYPE_VIDEO;
+    const std::string subtitles = directory_.write("film.srt", "subtitles");
+    const TargetLimits limits;
+    PlannedCopies planned(directory_.path(), limits);
+    ASSERT_EQ(planned.add(film), "");
+    EXPECT_EQ(planned.shortfall(film), "") << "the copy took another name";
+
+    std::filesystem::create_directory(directory_.path("VIDEO"));
+    directory_.write("VIDEO/film.avi", "film");
+    EXPECT_EQ(planned.shortfall(film), "is copied without its companion " + subtitles);
+    directory_.write("VIDEO/film.srt", "subt");
+    EXPECT_EQ(planned.shortfall(film), "is copied without its companion " + subtitles) << "a part of it";
+    directory_.write("VIDEO/film.srt", "subtitles");
+    EXPECT_EQ(planned.shortfall(film), "");
+}
+
 TEST_F(JobCheck, CompanionsOfOneJobDoNotReplaceEachOther) {
     const auto film = [this](const std::string& name) {
         JobItem result = item(name);
