@@ -25,9 +25,24 @@ std::string pointer_text(qra_handle_value_t value) {
 /// An address that reading would crash on.
 constexpr qra_handle_value_t kNowhere = 8;
 
+/// The process's one registry, empty before and after each test.
+class HandlerRegistry : public testing::Test {
+protected:
+    HandlerRegistry() { clear(); }
+    ~HandlerRegistry() override { clear(); }
+
+private:
+    static void clear() {
+        while (registry().GetCount() > 0) {
+            registry().Delete(registry().GetHandler(0));
+        }
+    }
+};
+using HandlerRegistryDeathTest = HandlerRegistry;
+
 }  // namespace
 
-TEST(CQRAHandlerMgr, KnowsWhatWasAdded) {
+TEST_F(HandlerRegistry, KnowsWhatWasAdded) {
     CQRADeviceCheckHandle handle;
 
     registry().Add(handle.GetValue());
@@ -37,7 +52,7 @@ TEST(CQRAHandlerMgr, KnowsWhatWasAdded) {
     EXPECT_EQ(registry().GetCount(), 1);
 }
 
-TEST(CQRAHandlerMgr, AddOfAPresentValueChangesNothing) {
+TEST_F(HandlerRegistry, AddOfAPresentValueChangesNothing) {
     CQRASendHandle handle;
     registry().Add(handle.GetValue());
 
@@ -46,7 +61,7 @@ TEST(CQRAHandlerMgr, AddOfAPresentValueChangesNothing) {
     EXPECT_EQ(registry().GetCount(), 1);
 }
 
-TEST(CQRAHandlerMgr, DeleteOfAbsentValueChangesNothing) {
+TEST_F(HandlerRegistry, DeleteOfAbsentValueChangesNothing) {
     CQRASendHandle handle;
     registry().Add(handle.GetValue());
 
@@ -56,7 +71,7 @@ TEST(CQRAHandlerMgr, DeleteOfAbsentValueChangesNothing) {
     EXPECT_FALSE(registry().Exists(kNowhere));
 }
 
-TEST(CQRAHandlerMgr, ForgetsWhatWasDeleted) {
+TEST_F(HandlerRegistry, ForgetsWhatWasDeleted) {
     LogCapture log;
     CQRASendHandle handle;
     registry().Add(handle.GetValue());
@@ -69,14 +84,14 @@ TEST(CQRAHandlerMgr, ForgetsWhatWasDeleted) {
     EXPECT_EQ(registry().GetCount(), 0);
 }
 
-TEST(CQRAHandlerMgr, AddReadsNothingThroughTheValue) {
+TEST_F(HandlerRegistry, AddReadsNothingThroughTheValue) {
     registry().Add(kNowhere);
 
     EXPECT_TRUE(registry().Exists(kNowhere));
     EXPECT_EQ(registry().GetHandler(0), kNowhere);
 }
 
-TEST(CQRAHandlerMgr, RefusesTheWrongKindAndKeepsTheHandle) {
+TEST_F(HandlerRegistry, RefusesTheWrongKindAndKeepsTheHandle) {
     LogCapture log;
     CQRADeviceCheckHandle handle;
     registry().Add(handle.GetValue());
@@ -88,7 +103,7 @@ TEST(CQRAHandlerMgr, RefusesTheWrongKindAndKeepsTheHandle) {
     EXPECT_TRUE(registry().Exists(handle.GetValue()));
 }
 
-TEST(CQRAHandlerMgr, FindsTheFirstHandleOfAKindAndAnId) {
+TEST_F(HandlerRegistry, FindsTheFirstHandleOfAKindAndAnId) {
     std::vector<std::unique_ptr<CQRADeviceCheckHandle>> handles;
     for (const uint32_t id : {5u, 7u, 7u}) {
         handles.push_back(std::make_unique<CQRADeviceCheckHandle>());
@@ -103,7 +118,7 @@ TEST(CQRAHandlerMgr, FindsTheFirstHandleOfAKindAndAnId) {
     EXPECT_EQ(registry().GetHandler(QRA_HANDLE_TYPE_SEND, 5), nullptr);
 }
 
-TEST(CQRAHandlerMgr, GivesTheValuesByOrdinalInAddressOrder) {
+TEST_F(HandlerRegistry, GivesTheValuesByOrdinalInAddressOrder) {
     registry().Add(300);
     registry().Add(-100);
     registry().Add(200);
@@ -113,7 +128,7 @@ TEST(CQRAHandlerMgr, GivesTheValuesByOrdinalInAddressOrder) {
     EXPECT_EQ(registry().GetHandler(2), 300);
 }
 
-TEST(CQRAHandlerMgr, GivesZeroForAnOrdinalOutOfRange) {
+TEST_F(HandlerRegistry, GivesZeroForAnOrdinalOutOfRange) {
     LogCapture log;
     registry().Add(kNowhere);
 
@@ -124,7 +139,7 @@ TEST(CQRAHandlerMgr, GivesZeroForAnOrdinalOutOfRange) {
     EXPECT_TRUE(log.contains("Invalid param. Handler count[1], nHandlerIndex[1]."));
 }
 
-TEST(CQRAHandlerMgr, ADeadEntryIsCountedButNeverReadThrough) {
+TEST_F(HandlerRegistry, ADeadEntryIsCountedButNeverReadThrough) {
     LogCapture log;
     registry().Add(kNowhere);
 
@@ -138,7 +153,7 @@ TEST(CQRAHandlerMgr, ADeadEntryIsCountedButNeverReadThrough) {
     EXPECT_EQ(registry().GetHandler(0), kNowhere);
 }
 
-TEST(CQRAHandlerMgr, AddMakesADeadEntryLiveAgain) {
+TEST_F(HandlerRegistry, AddMakesADeadEntryLiveAgain) {
     CQRAAgentHandle handle;
     registry().Add(handle.GetValue());
     registry().MarkDead(handle.GetValue());
@@ -149,7 +164,7 @@ TEST(CQRAHandlerMgr, AddMakesADeadEntryLiveAgain) {
     EXPECT_EQ(registry().GetCount(), 1);
 }
 
-TEST(CQRAHandlerMgr, DeleteIfDeadTakesOutTheDeadOnly) {
+TEST_F(HandlerRegistry, DeleteIfDeadTakesOutTheDeadOnly) {
     registry().Add(kNowhere);
     registry().DeleteIfDead(kNowhere);
     EXPECT_EQ(registry().GetCount(), 1);
@@ -159,7 +174,7 @@ TEST(CQRAHandlerMgr, DeleteIfDeadTakesOutTheDeadOnly) {
     EXPECT_EQ(registry().GetCount(), 0);
 }
 
-TEST(CQRAHandlerMgr, DeleteTakesOutADeadEntryForGood) {
+TEST_F(HandlerRegistry, DeleteTakesOutADeadEntryForGood) {
     registry().Add(kNowhere);
     registry().MarkDead(kNowhere);
 
@@ -169,7 +184,7 @@ TEST(CQRAHandlerMgr, DeleteTakesOutADeadEntryForGood) {
     EXPECT_TRUE(registry().Exists(kNowhere)) << "the mark must not outlive its entry";
 }
 
-TEST(CQRAHandlerMgr, MarkDeadOfAnAbsentValueChangesNothing) {
+TEST_F(HandlerRegistry, MarkDeadOfAnAbsentValueChangesNothing) {
     registry().MarkDead(kNowhere);
 
     EXPECT_EQ(registry().GetCount(), 0);
@@ -177,7 +192,7 @@ TEST(CQRAHandlerMgr, MarkDeadOfAnAbsentValueChangesNothing) {
     EXPECT_TRUE(registry().Exists(kNowhere));
 }
 
-TEST(CQRAHandlerMgr, HandlesComeAndGoOnManyThreads) {
+TEST_F(HandlerRegistry, HandlesComeAndGoOnManyThreads) {
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([] {
@@ -197,7 +212,7 @@ TEST(CQRAHandlerMgr, HandlesComeAndGoOnManyThreads) {
     EXPECT_EQ(registry().GetCount(), 0);
 }
 
-TEST(CQRAHandlerMgrDeathTest, ANullEntryEndsTheProcess) {
+TEST_F(HandlerRegistryDeathTest, ANullEntryEndsTheProcess) {
     registry().Add(0);
 
     EXPECT_DEATH(registry().GetHandler(QRA_HANDLE_TYPE_AGENT, 0), "pHandleBase != __null");

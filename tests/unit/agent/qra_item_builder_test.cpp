@@ -12,6 +12,11 @@ namespace {
 
 class ItemBuilder : public AgentTest {
 protected:
+    ~ItemBuilder() override {
+        FakeRecording::known = true;
+        FakeRecording::content_version = 0;
+        FakeRecording::incomplete_reason = 0;
+    }
     void show(int type, const std::string& source = "SOURCE_MSC") {
         script_.items = {SourceScript::Item()};
         script_.items[0].numbers["MEDIA_TYPE"] = type;

@@ -26,28 +26,24 @@ private:
     Destroy destroy_;
 };
 
-const Owned<qra_general_s>& general() {
-    static const Owned<qra_general_s> record(qra_create_general_param, qra_destroy_general_param);
-    return record;
-}
-const Owned<qra_page_style_s>& page() {
-    static const Owned<qra_page_style_s> record(qra_create_page_param, qra_destroy_page_param);
-    return record;
-}
-const Owned<qra_share_s>& share() {
-    static const Owned<qra_share_s> record(qra_create_share_param, qra_destroy_share_param);
-    return record;
-}
-const Owned<qra_playlist_file_s>& playlist_file() {
-    static const Owned<qra_playlist_file_s> record(qra_create_playlist_file_param,
-                                                   qra_destroy_playlist_file_param);
-    return record;
-}
-const Owned<qra_playlist_item_s>& playlist_item() {
-    static const Owned<qra_playlist_item_s> record(qra_create_playlist_item_param,
-                                                   qra_destroy_playlist_item_param);
-    return record;
-}
+/// A record of each kind, fresh for each test.
+class QraParam : public testing::Test {
+protected:
+    const Owned<qra_general_s>& general() const { return general_; }
+    const Owned<qra_page_style_s>& page() const { return page_; }
+    const Owned<qra_share_s>& share() const { return share_; }
+    const Owned<qra_playlist_file_s>& playlist_file() const { return playlist_file_; }
+    const Owned<qra_playlist_item_s>& playlist_item() const { return playlist_item_; }
+
+private:
+    const Owned<qra_general_s> general_{qra_create_general_param, qra_destroy_general_param};
+    const Owned<qra_page_style_s> page_{qra_create_page_param, qra_destroy_page_param};
+    const Owned<qra_share_s> share_{qra_create_share_param, qra_destroy_share_param};
+    const Owned<qra_playlist_file_s> playlist_file_{qra_create_playlist_file_param,
+                                                    qra_destroy_playlist_file_param};
+    const Owned<qra_playlist_item_s> playlist_item_{qra_create_playlist_item_param,
+                                                    qra_destroy_playlist_item_param};
+};
 
 /// Takes a text field through everything that its setter and getter promise.
 template <class Record>
@@ -120,7 +116,7 @@ void check_life(qra_error_code_e (*create)(Record**), qra_error_code_e (*destroy
                                         qra_param_set_##record##_##suffix,     \
                                         qra_param_get_##record##_##suffix, at_first, value, #suffix)
 
-TEST(QraParam, EachRecordIsMadeAndFreed) {
+TEST_F(QraParam, EachRecordIsMadeAndFreed) {
     check_life(qra_create_general_param, qra_destroy_general_param, "general");
     check_life(qra_create_page_param, qra_destroy_page_param, "page");
     check_life(qra_create_share_param, qra_destroy_share_param, "share");
@@ -132,7 +128,7 @@ TEST(QraParam, EachRecordIsMadeAndFreed) {
     check_life(qra_create_detail_param, qra_destroy_detail_param, "detail");
 }
 
-TEST(QraParam, TextsOfARequestAreKeptAndGivenBack) {
+TEST_F(QraParam, TextsOfARequestAreKeptAndGivenBack) {
     CHECK_TEXT(general, general, plugin, pPluginName);
     CHECK_TEXT(general, general, source, pSource);
     CHECK_TEXT(general, general, path, szPath);
@@ -153,7 +149,7 @@ TEST(QraParam, TextsOfARequestAreKeptAndGivenBack) {
     CHECK_TEXT(general, general, extension, szExtension);
 }
 
-TEST(QraParam, ValuesOfARequestAreKeptAndGivenBack) {
+TEST_F(QraParam, ValuesOfARequestAreKeptAndGivenBack) {
     CHECK_VALUE(general, general, prefetch_num, int, nPrefectchNum, 0, -7);
     CHECK_VALUE(general, general, window_size, int, nWindowSize, 0, -7);
     CHECK_VALUE(general, general, bus_value, int, nBusValue, 0, -7);
@@ -165,7 +161,7 @@ TEST(QraParam, ValuesOfARequestAreKeptAndGivenBack) {
     CHECK_VALUE(general, general, service_provider, void*, pServiceProvider, nullptr, &provider);
 }
 
-TEST(QraParam, ValuesOfAPageStyleAreKeptAndGivenBack) {
+TEST_F(QraParam, ValuesOfAPageStyleAreKeptAndGivenBack) {
     CHECK_VALUE(page, page_style, mask, int, mask, 0, 0x26);
     CHECK_VALUE(page, page_style, order, qra_page_order_e, order, QRA_PAGE_ORDER_ROW, QRA_PAGE_ORDER_COLUMN);
     CHECK_VALUE(page, page_style, group_index, int, group_index, 0, -1);
@@ -174,7 +170,7 @@ TEST(QraParam, ValuesOfAPageStyleAreKeptAndGivenBack) {
     CHECK_VALUE(page, page_style, padding, bool, padding, false, true);
 }
 
-TEST(QraParam, TextsOfAShareAreKeptAndGivenBack) {
+TEST_F(QraParam, TextsOfAShareAreKeptAndGivenBack) {
     CHECK_TEXT(share, share, dest_dev_path, dest_dev_path);
     CHECK_TEXT(share, share, user_id, user_id);
     CHECK_TEXT(share, share, request_url, request_url);
@@ -189,7 +185,7 @@ TEST(QraParam, TextsOfAShareAreKeptAndGivenBack) {
     CHECK_TEXT(share, share, playlist_name, playlist_name);
 }
 
-TEST(QraParam, ValuesOfAShareAreKeptAndGivenBack) {
+TEST_F(QraParam, ValuesOfAShareAreKeptAndGivenBack) {
     CHECK_VALUE(share, share, source_dev_type, qra_dev_type_e, source_dev_type, QRA_DEV_TYPE_DEFAULT,
                 QRA_DEV_TYPE_PTP);
     CHECK_VALUE(share, share, dest_dev_type, qra_dev_type_e, dest_dev_type, QRA_DEV_TYPE_DEFAULT,
@@ -199,7 +195,7 @@ TEST(QraParam, ValuesOfAShareAreKeptAndGivenBack) {
     CHECK_VALUE(share, share, lock, bool, lock, false, true);
 }
 
-TEST(QraParam, ServiceProviderOfAShareIsNeverNullThatOfARequestMayBe) {
+TEST_F(QraParam, ServiceProviderOfAShareIsNeverNullThatOfARequestMayBe) {
     int provider = 0;
     EXPECT_EQ(qra_param_set_share_dlna_service_provider(share(), &provider), QRA_ERROR_NONE);
     EXPECT_EQ(qra_param_set_share_dlna_service_provider(share(), nullptr), QRA_ERROR_INVALID_PARAM);
@@ -210,7 +206,7 @@ TEST(QraParam, ServiceProviderOfAShareIsNeverNullThatOfARequestMayBe) {
     EXPECT_EQ(general()->pServiceProvider, nullptr);
 }
 
-TEST(QraParam, ShareUserDataHasSettersOnly) {
+TEST_F(QraParam, ShareUserDataHasSettersOnly) {
     const Owned<qra_share_user_data_s> record(qra_create_share_user_data_param,
                                               qra_destroy_share_user_data_param);
     const qra_share_cb callback = [](void*, CQRASendHandle*, qra_event_e, qra_share_status_info_s*) {
@@ -227,13 +223,13 @@ TEST(QraParam, ShareUserDataHasSettersOnly) {
     EXPECT_EQ(qra_param_set_share_user_data_cb(nullptr, callback), QRA_ERROR_INVALID_PARAM);
 }
 
-TEST(QraParam, FieldsOfAPlaylistFileAreKeptAndGivenBack) {
+TEST_F(QraParam, FieldsOfAPlaylistFileAreKeptAndGivenBack) {
     CHECK_TEXT(playlist_file, playlist_file, path, path);
     CHECK_TEXT(playlist_file, playlist_file, name, name);
     CHECK_VALUE(playlist_file, playlist_file, max_item_count, int, max_item_count, 0, 100);
 }
 
-TEST(QraParam, TextsOfAPlaylistItemAreKeptAndGivenBack) {
+TEST_F(QraParam, TextsOfAPlaylistItemAreKeptAndGivenBack) {
     CHECK_TEXT(playlist_item, playlist_item, media_id, media_id);
     CHECK_TEXT(playlist_item, playlist_item, title, title);
     CHECK_TEXT(playlist_item, playlist_item, path, path);
@@ -248,7 +244,7 @@ TEST(QraParam, TextsOfAPlaylistItemAreKeptAndGivenBack) {
     CHECK_TEXT(playlist_item, playlist_item, name, name);
 }
 
-TEST(QraParam, ValuesOfAPlaylistItemAreKeptAndGivenBack) {
+TEST_F(QraParam, ValuesOfAPlaylistItemAreKeptAndGivenBack) {
     CHECK_VALUE(playlist_item, playlist_item, duration, unsigned long long, duration, 0, 1ULL << 63);
     CHECK_VALUE(playlist_item, playlist_item, size, unsigned long long, size, 0, 1ULL << 63);
     CHECK_VALUE(playlist_item, playlist_item, addtime, time_t, addtime, 0, 1600000000);
@@ -261,7 +257,7 @@ TEST(QraParam, ValuesOfAPlaylistItemAreKeptAndGivenBack) {
     CHECK_VALUE(playlist_item, playlist_item, drm, bool, drm, false, true);
 }
 
-TEST(QraParam, CommentLikeAndDetailAccessorsDoNothing) {
+TEST_F(QraParam, CommentLikeAndDetailAccessorsDoNothing) {
     const Owned<qra_comment_s> comment(qra_create_comment_param, qra_destroy_comment_param);
     const Owned<qra_like_s> like(qra_create_like_param, qra_destroy_like_param);
     const Owned<qra_detail_s> detail(qra_create_detail_param, qra_destroy_detail_param);

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <set>
 #include <thread>
 #include <vector>
@@ -41,6 +42,10 @@ protected:
         }
     }
 
+    static int number_of(const std::string& name) {
+        EXPECT_EQ(name.rfind(kSelectListShmPrefix, 0), 0u) << name;
+        return std::stoi(name.substr(sizeof kSelectListShmPrefix - 1));
+    }
     std::string build() {
         names_.push_back(CSelectListBuilder(&list_).Build());
         return names_.back();
@@ -56,16 +61,6 @@ TEST_F(SelectListBuilder, WritesTheItemsInAscendingOrderBehindTheHead) {
     EXPECT_EQ(words_of(build()), (std::vector<int32_t>{3, 16, 28, QRA_PG_ITEM_CONTENTS, 10, 20, 30}));
 }
 
-TEST_F(SelectListBuilder, NumbersTheObjectsOfAProcess) {
-    LogCapture log;
-
-    EXPECT_EQ(build(), "qra_selectedlist_1");
-    EXPECT_EQ(build(), "qra_selectedlist_2");
-
-    EXPECT_TRUE(log.contains("called the 1 times, shm name is qra_selectedlist_1"));
-    EXPECT_TRUE(log.contains("called the 2 times, shm name is qra_selectedlist_2"));
-}
-
 TEST_F(SelectListBuilder, WhatItWroteCanBeLoaded) {
     CSelectList loaded(build());
 
@@ -76,11 +71,14 @@ TEST_F(SelectListBuilder, WhatItWroteCanBeLoaded) {
 }
 
 TEST_F(SelectListBuilder, WritesOverALongerObjectThatWasLeftBehind) {
-    const int fd = shm_open("qra_selectedlist_1", O_CREAT | O_RDWR, 0600);
+    const std::string name = kSelectListShmPrefix + std::to_string(number_of(build()) + 1);
+    const int fd = shm_open(name.c_str(), O_CREAT | O_RDWR, 0600);
     ASSERT_EQ(ftruncate(fd, 4096), 0);
     close(fd);
 
-    EXPECT_EQ(words_of(build()).size(), 7u);
+    ASSERT_EQ(build(), name);
+
+    EXPECT_EQ(words_of(name).size(), 7u);
 }
 
 TEST_F(SelectListBuilder, SelectionsThatAreHandedOnAtOnceHaveObjectsOfTheirOwn) {
@@ -103,7 +101,31 @@ TEST_F(SelectListBuilder, SelectionsThatAreHandedOnAtOnceHaveObjectsOfTheirOwn) 
     EXPECT_EQ(std::set<std::string>(names_.begin(), names_.end()).size(), 2u * kEach);
 }
 
+TEST_F(SelectListBuilder, NumbersTheObjectsOfAProcess) {
+    const int before = number_of(build());
+    LogCapture log;
+
+    const int number = number_of(build());
+
+    EXPECT_EQ(number, before + 1);
+    const std::string text = std::to_string(number);
+    EXPECT_TRUE(log.contains("called the " + text + " times, shm name is qra_selectedlist_" + text));
+}
+
 using SelectListBuilderDeathTest = SelectListBuilder;
+
+TEST_F(SelectListBuilderDeathTest, TheFirstObjectsOfAProcessAreNumberedOneAndTwo) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process that has made none
+    EXPECT_EXIT(
+        {
+            const bool counted = build() == "qra_selectedlist_1" && build() == "qra_selectedlist_2";
+            for (const std::string& name : names_) {
+                shm_unlink(name.c_str());
+            }
+            std::_Exit(counted ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
 
 TEST_F(SelectListBuilderDeathTest, AnEmptySelectionEndsTheProcess) {
     list_.RemoveAll();
@@ -136,5 +158,5 @@ TEST_F(SelectListBuilderDeathTest, AnObjectThatCannotBeSizedEndsTheProcess) {
         },
         "m_pAddr != __null");
 
-    EXPECT_EQ(shm_unlink("qra_selectedlist_1"), 0);
+    build();  // takes over what the other process has left, so that it is removed
 }
