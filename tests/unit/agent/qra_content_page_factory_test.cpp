@@ -322,6 +322,21 @@ TEST_F(Factory, AColumnThatIsAsLongAsAListCanBeLeavesNoRoomForItsItems) {
     EXPECT_EQ(handle_->GetContentPage(), nullptr);
 }
 
+TEST_F(Factory, AGroupThatCannotBeAddedFailsTheBuildWhateverFollows) {
+    prepare_folder("CATEGORY-FOLDER-TITLE");
+    CQRAGroupInfo& groups = *handle_->GetGroupInfo();
+    groups.Reset();
+    groups.AddGroup("more than there is room for beside the up-folder tile", INT_MAX);
+    groups.AddGroup("less than none", -10);
+    groups.AddGroup("five", 5);
+    const LogCapture log;
+
+    EXPECT_EQ(build_folder(0x24), QRA_ERROR_INTERNAL);
+
+    EXPECT_TRUE(log.contains("Build page failed."));
+    EXPECT_EQ(handle_->GetContentPage(), nullptr);
+}
+
 TEST_F(Factory, AnUhdFolderWithUpFolderShowsFoldersFirst) {
     prepare_folder("CATEGORY-UHD-FOLDER-WITHUPFOLDER");
 

@@ -75,6 +75,7 @@ INSTANTIATE_TEST_SUITE_P(
                     WebRow{"HeaderOfAGroupThatIsNotThere", "Other", 0x0C, 7, "cluster 7+1"},
                     WebRow{"Media", "Other", 0x04, -1, "contents 0+10"},
                     WebRow{"MediaOfOneGroup", "Other", 0x04, 0, "contents 0+4"},
+                    WebRow{"MediaOfAGroupThatIsNone", "Other", 0x04, -2, ""},
                     WebRow{"Nothing", "Other", 0x00, -1, ""}),
     [](const auto& info) { return info.param.name; });
 
@@ -95,6 +96,16 @@ TEST_F(WebBuild, AGroupWithoutItemsIsAnEmptyRun) {
     ASSERT_EQ(build(0x04), QRA_ERROR_NONE);
     EXPECT_EQ(page(), "");
     EXPECT_FALSE(log.contains("Invalid range"));
+}
+
+TEST_F(WebBuild, ACloudPageWithoutBitsHasATileForAnEmptyListToo) {
+    ResultListObject list;
+    push(list);
+    handle_.SetSourceName("CloudSource");
+
+    ASSERT_EQ(build(0x00), QRA_ERROR_NONE);
+
+    EXPECT_EQ(page(), "contents 0+1");
 }
 
 TEST_F(WebBuild, OtherSourcesKnowNoFolders) {

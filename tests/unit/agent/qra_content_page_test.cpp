@@ -450,6 +450,20 @@ TEST_F(ContentPage, AClusterHasItsLineToItselfWithStyle500) {
     expect_consistent(page);
 }
 
+TEST_F(ContentPage, TheFillersBeforeUpFolderAndEmptyTilesCountAsTheirs) {
+    create(kColumns | 0x500, 3, 4);
+
+    page.AddClusterItem(0, 1);
+    page.AddUpFolderItem(-1, 1);
+    page.AddClusterItem(1, 1);
+    page.AddEmptyItem(-1, 2);
+
+    EXPECT_EQ(pages_of(page),
+              (std::vector<Page>{{{3, 0, 1}, {1, -2, 2}, {5, -1, 1}, {3, 1, 1}, {1, -2, 1}, {1, -1, 2}}}));
+    EXPECT_EQ(page.GetUpFolderItemCount(), 3);
+    EXPECT_EQ(page.GetEmptyItemCount(), 3);
+}
+
 TEST_F(ContentPage, ANewPageRepeatsTheClusterWithStyle1100) {
     create(kRows | 0x1100, 2, 3);
 

@@ -266,6 +266,16 @@ TEST_F(PageIndex, IsZeroInTheSelectionAndOnASelectedPage) {
     EXPECT_EQ(index_, 0);
 }
 
+// Only the mask that shows the selection and nothing else makes a selected page.
+TEST_F(PageIndex, IsTheItemsOwnWhereTheMaskHasMoreThanTheSelection) {
+    qra_toggle_select_v2(handle_, 7);
+    ASSERT_EQ(set_page_style(0xC0), QRA_ERROR_NONE);
+
+    EXPECT_EQ(find("no such id"), QRA_ERROR_INVALID_PARAM);
+    EXPECT_EQ(find("id-5"), QRA_ERROR_NONE);
+    EXPECT_EQ(index_, 0);
+}
+
 TEST_F(PageIndex, APathOnADriveIsAPlaylist) {
     const std::string drive = CQRAUtil::GetStoragePath("/USBDrive1");
     FakePlaylists::mount_path = drive;

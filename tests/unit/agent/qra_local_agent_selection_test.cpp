@@ -84,6 +84,16 @@ TEST_F(Selection, AGroupHeaderTakesTheListsKindAlthoughNothingIsSelected) {
     EXPECT_EQ(qra_toggle_select_v2(handle_, 1), QRA_ERROR_NONE);
 }
 
+TEST_F(Selection, ATileOfAnotherKindThanTheSelectionIsNotSelected) {
+    request("SOURCE_MSC", "CATEGORY-DATE");
+    source_->complete(QRA_EVENT_LIST_SUCCESS);
+    ASSERT_EQ(set_page_style(0x0C), QRA_ERROR_NONE);
+    ASSERT_EQ(qra_toggle_select_v2(handle_, 1), QRA_ERROR_NONE);
+
+    EXPECT_TRUE(selected(1));
+    EXPECT_FALSE(selected(0)) << "the header of the group";
+}
+
 TEST_F(Selection, AGroupIsSelectedAndDeselectedWhole) {
     qra_toggle_select_v2(handle_, 6);
 

@@ -95,6 +95,25 @@ TEST_F(LocalAgent, ARepeatWithoutAPathListsTheLastOneAgain) {
     EXPECT_EQ(script_.calls, std::vector<std::string>{"Open"});
 }
 
+TEST_F(LocalAgent, ARepeatIsAnsweredToTheCallbackThatCameWithIt) {
+    request();
+    int answers = 0;
+    qra_general_s repeat;
+    char source[] = "SOURCE_MSC";
+    repeat.pSource = source;
+    const on_list_complete_cb count_answer = [](void* user_data, CQRAAgentHandle*, qra_event_e, int,
+                                                const char*) {
+        ++*static_cast<int*>(user_data);
+        return true;
+    };
+    ASSERT_EQ(qra_request_list_v2(&repeat, count_answer, &answers, &handle_), QRA_ERROR_NONE);
+
+    source_->complete(QRA_EVENT_LIST_SUCCESS);
+
+    EXPECT_EQ(answers, 1);
+    EXPECT_TRUE(answers_.empty());
+}
+
 TEST_F(LocalAgent, ARepeatStartsWithoutPageSelectionAndStyle) {
     script_items(30);
     open_page(0x04);
