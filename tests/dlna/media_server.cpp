@@ -14,11 +14,6 @@ namespace {
 
 constexpr int kPatience = 60000;  // milliseconds
 
-[[noreturn]] void give_up(const std::string& what) {
-    std::fprintf(stderr, "media server: %s\n", what.c_str());
-    std::abort();
-}
-
 std::string quoted(const std::string& word) {
     char* text = g_shell_quote(word.c_str());
     std::string result = text;
@@ -27,6 +22,14 @@ std::string quoted(const std::string& word) {
 }
 
 }  // namespace
+
+void MediaServer::give_up(const std::string& what) {
+    int status = 0;
+    const bool has_ended = pid_ > 0 && waitpid(pid_, &status, WNOHANG) == pid_;
+    const std::string end = has_ended ? "; it has ended, wait status " + std::to_string(status) : "";
+    std::fprintf(stderr, "media server: asked %s, %s%s\n", asked_.c_str(), what.c_str(), end.c_str());
+    std::abort();
+}
 
 bool have_own_network() {
     return std::getenv("QRA_OWN_NETWORK") != nullptr;
@@ -79,7 +82,7 @@ std::string MediaServer::read_line() {
         }
         const ssize_t size = read(from_, piece, sizeof piece);
         if (size <= 0) {
-            give_up("has ended");
+            give_up("hangs up");
         }
         unread_.append(piece, static_cast<std::size_t>(size));
     }
@@ -93,13 +96,14 @@ std::string MediaServer::tell(const std::vector<std::string>& words) {
     for (const std::string& word : words) {
         line += (line.empty() ? "" : " ") + quoted(word);
     }
+    asked_ = line;
     line += "\n";
     if (write(to_, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
         give_up("does not listen");
     }
     const std::string answer = read_line();
     if (answer.rfind("ok", 0) != 0) {
-        give_up(words[0] + ": " + answer);
+        give_up("says " + answer);
     }
     return answer.size() > 3 ? answer.substr(3) : "";
 }

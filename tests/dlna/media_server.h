@@ -40,6 +40,8 @@ public:
 
 private:
     std::string read_line();
+    /// Ends the test with what the server was asked for last, and how it has ended if it has.
+    [[noreturn]] void give_up(const std::string& what);
 
     int pid_ = -1;
     int to_ = -1;
@@ -47,6 +49,7 @@ private:
     int port_ = 0;
     std::string address_ = "127.0.0.1";
     std::string unread_;
+    std::string asked_ = "to start";
 };
 
 #endif
