@@ -141,6 +141,91 @@ TEST_F(BrowseTest, DoesNotTakeTheSizeOfAPageForTheWhole) {
     EXPECT_EQ(server->count("Search"), 4);
 }
 
+TEST_F(BrowseTest, AsksOnBehindAShortPageWhoseSizeIsGivenAsTheTotal) {
+    start();
+    for (const char* action : {"Browse.", "Search."}) {
+        server->set(std::string(action) + "at-most", "7");
+        server->set(std::string(action) + "total-of-page");
+    }
+    Reply children;
+    Reply found;
+    browse_pictures(children);
+    search(provider, "", {NBL_ITEM_TYPE_IMAGE}, 200, found);
+
+    EXPECT_EQ(children.error, NBL_ERROR_NONE);
+    EXPECT_EQ(children.ids(), ids_from(0, kImages));
+    EXPECT_EQ(found.wait(), NBL_ERROR_NONE);
+    EXPECT_EQ(found.ids(), ids_from(0, kImages));
+}
+
+TEST_F(BrowseTest, ListsAllOfAFolderWhoseRecordAloneTellsItsCount) {
+    start();
+    server->set("Browse.at-most", "7");
+    server->set("Browse.total-of-page");
+    EXPECT_EQ(item_of(provider, "p").number(nbl_item_get_child_count), kImages);
+    Reply children;
+    browse_pictures(children);
+
+    EXPECT_EQ(children.ids(), ids_from(0, kImages));
+}
+
+TEST_F(BrowseTest, AsksOnceMoreBehindATotalOnlyUntilTheServerHasToldALargerOne) {
+    start();
+    for (const long questions : {2, 1, 1}) {
+        const long before = server->count("Search");
+        Reply found;
+        search(provider, "", {NBL_ITEM_TYPE_IMAGE}, 200, found);
+
+        EXPECT_EQ(found.wait(), NBL_ERROR_NONE);
+        EXPECT_EQ(found.ids(), ids_from(0, kImages));
+        EXPECT_EQ(server->count("Search") - before, questions);
+    }
+}
+
+TEST_F(BrowseTest, AsksNoMoreBehindATotalThatTheFolderIsKnownToHave) {
+    start();
+    server->generate("one", "image", 1);
+    ASSERT_EQ(item_of(provider, "one").number(nbl_item_get_child_count), 1);
+    const long before = server->count("Browse");
+    Reply children;
+    browse(provider, "one", 0, 200, children);
+
+    EXPECT_EQ(children.wait(), NBL_ERROR_NONE);
+    EXPECT_THAT(children.items, SizeIs(1));
+    EXPECT_EQ(server->count("Browse") - before, 1);
+}
+
+TEST_F(BrowseTest, AsksNoMoreBehindATotalThatTheFoldersRecordTells) {
+    start();
+    Reply top;
+    browse(provider, "0", 0, 200, top);
+    ASSERT_EQ(top.wait(), NBL_ERROR_NONE);
+    const auto folder =
+        std::find_if(top.items.begin(), top.items.end(), [](const Item& item) { return item.id() == "p"; });
+    ASSERT_NE(folder, top.items.end());
+    const long before = server->count("Browse");
+    Reply children;
+    EXPECT_EQ(
+        nbl_provider_browse(provider, folder->get(), 0, 200, &Reply::on_items, &children, &children.token),
+        NBL_ERROR_NONE);
+
+    EXPECT_EQ(children.wait(), NBL_ERROR_NONE);
+    EXPECT_THAT(children.items, SizeIs(kImages));
+    EXPECT_EQ(server->count("Browse") - before, 1);
+}
+
+TEST_F(BrowseTest, TakesAnErrorBehindATotalForTheEnd) {
+    start();
+    server->generate("uncounted", "image", 3);
+    server->set("Browse.error", "402", -1, 1);
+    Reply children;
+    browse(provider, "uncounted", 0, 200, children);
+
+    EXPECT_EQ(children.wait(), NBL_ERROR_NONE);
+    EXPECT_THAT(children.items, SizeIs(3));
+    EXPECT_EQ(server->count("Browse"), 2);
+}
+
 TEST_F(BrowseTest, BelievesACountWithNothingBehindIt) {
     start();
     server->set("Browse.child-count", "40");

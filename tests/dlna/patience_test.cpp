@@ -28,6 +28,34 @@ TEST_F(PatienceTest, WaitsFiveSecondsForAnAnswer) {
     EXPECT_THAT(found.items, SizeIs(3));
 }
 
+TEST_F(PatienceTest, WaitsForEachOfManyPages) {
+    MediaServer server;
+    server.generate("p", "image", 40);
+    nbl_provider_t provider = wait_for();
+    ASSERT_NE(provider, nullptr);
+    server.set("Browse.at-most", "10");
+    server.set("Browse.delay", "4500");
+    Reply children;
+    browse(provider, "p", 0, 200, children);
+
+    EXPECT_EQ(children.wait(), NBL_ERROR_NONE);
+    EXPECT_THAT(children.items, SizeIs(40));
+}
+
+TEST_F(PatienceTest, TakesSilenceBehindATotalForTheEnd) {
+    MediaServer server;
+    server.generate("uncounted", "image", 3);
+    nbl_provider_t provider = wait_for();
+    ASSERT_NE(provider, nullptr);
+    server.set("Browse.hold", "", -1, 1);
+    Reply children;
+    browse(provider, "uncounted", 0, 200, children);
+
+    EXPECT_EQ(children.wait(), NBL_ERROR_NONE);
+    EXPECT_THAT(children.items, SizeIs(3));
+    EXPECT_EQ(server.count("Browse"), 2);
+}
+
 TEST_F(PatienceTest, SaysHowManyChildrenThereMayBeWhereTheServerTakesTooLongToShowTheEnd) {
     MediaServer server;
     server.generate("p", "image", 30);

@@ -52,9 +52,13 @@ void ItemRequest::tell(const std::vector<ItemPtr>& items, int64_t place, int64_t
     client_.call(device.get(), &response, error, client_.user_data);
 }
 
-BrowseRequest::BrowseRequest(nbl_provider_t provider, std::string folder_id, int start, int count,
+BrowseRequest::BrowseRequest(nbl_provider_t provider, const nbl_item_s& folder, int start, int count,
                              ItemClient client)
-    : ItemRequest(provider, client), folder_id_(std::move(folder_id)), start_(start), count_(count) {}
+    : ItemRequest(provider, client),
+      folder_id_(folder.text("@id")),
+      said_(child_count_of(folder).value_or(0)),
+      start_(start),
+      count_(count) {}
 
 void BrowseRequest::begin() {
     provider()->pages.on_question(folder_id_, start_);
@@ -77,9 +81,12 @@ void BrowseRequest::ask_alone() {
     range.start = start_;
     range.most = count_;
     range.page = count_;
+    const int64_t found = provider()->pages.count_of(folder_id_);
+    range.expected = found > 0 ? found : said_;
     loop_ = std::make_unique<PageLoop>(
         session(), provider(), PageSource{PageSource::Kind::kChildren, folder_id_, {}}, range,
         [this](std::vector<ItemPtr> items, int64_t, int64_t total) {
+            session().requests().extend(token());
             total_ = total;
             std::move(items.begin(), items.end(), std::back_inserter(items_));
         },
@@ -164,6 +171,7 @@ void BrowseItemRequest::look_for_end(int64_t said) {
 }
 
 void BrowseItemRequest::finish_folder(int64_t child_count) {
+    provider()->pages.set_count(id_, child_count);
     ItemPtr& item = object_->items.front();
     item = with_child_count(*item, child_count);
     finish(object_->items, 0, 1);

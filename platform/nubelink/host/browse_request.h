@@ -57,7 +57,7 @@ private:
 /// The children of a folder, from `start` on, `count` at most.
 class BrowseRequest : public ItemRequest {
 public:
-    BrowseRequest(nbl_provider_t provider, std::string folder_id, int start, int count, ItemClient client);
+    BrowseRequest(nbl_provider_t provider, const nbl_item_s& folder, int start, int count, ItemClient client);
 
 private:
     void begin() override;
@@ -66,6 +66,7 @@ private:
     void on_end(int error);
 
     const std::string folder_id_;
+    const int64_t said_;  ///< how many children the folder's record tells; 0 for nothing
     const int start_;
     const int count_;
     int64_t total_ = 0;

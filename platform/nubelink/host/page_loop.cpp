@@ -33,6 +33,11 @@ SoapQuestion question_for(const PageSource& source, int64_t start, int64_t count
     return question;
 }
 
+DevicePtr& teller_of_total(nbl_provider_t provider, PageSource::Kind kind) {
+    return kind == PageSource::Kind::kSearch ? provider->tells_total_of_search
+                                             : provider->tells_total_of_folder;
+}
+
 int64_t count_in(const SoapAnswer& answer, std::string_view name) {
     const uint64_t number = number_of(trimmed(answer.find(name))).value_or(0);
     return static_cast<int64_t>(std::min<uint64_t>(number, INT_MAX));
@@ -80,14 +85,21 @@ PageCall::PageCall(Session& session, nbl_provider_t provider, const PageSource& 
         });
         return;
     }
-    call_.emplace(session.http(), device->description.content_directory, question_for(source, start, count),
-                  [&session, provider, done = std::move(done)](const SoapAnswer& answer) {
-                      session.on_call_error(provider->id, answer.error);
-                      if (ItemMemory::is_full()) {
-                          session.views().forget_unused();
-                      }
-                      done(read_page(answer, provider));
-                  });
+    call_.emplace(
+        session.http(), device->description.content_directory, question_for(source, start, count),
+        [&session, provider, kind = source.kind, count, done = std::move(done)](const SoapAnswer& answer) {
+            session.on_call_error(provider->id, answer.error);
+            if (ItemMemory::is_full()) {
+                session.views().forget_unused();
+            }
+            Page page = read_page(answer, provider);
+            // What is as many as were asked for may be no more than that.
+            const auto given = static_cast<int64_t>(page.items.size());
+            if (kind != PageSource::Kind::kObject && page.total > given && page.total != count) {
+                teller_of_total(provider, kind) = session.device(provider->id);
+            }
+            done(std::move(page));
+        });
 }
 
 PageLoop::PageLoop(Session& session, nbl_provider_t provider, PageSource source, Range range, OnPage on_page,
@@ -107,8 +119,28 @@ void PageLoop::ask() {
                                        [this](Page page) { take(std::move(page)); });
 }
 
+void PageLoop::ask_in_doubt() {
+    is_in_doubt_ = true;
+    doubt_.start(kDoubt, [this] {
+        call_.reset();
+        const OnEnd on_end = on_end_;
+        on_end(NBL_ERROR_NONE);
+    });
+    ask();
+}
+
+/// Whether the total of a page that brings all up to it is that of the source, not of the page.
+bool PageLoop::is_total_of_all(const Page& page) const {
+    if (page.total != static_cast<int64_t>(page.items.size()) || page.total == range_.expected) {
+        return true;
+    }
+    return page.total != asked_ && teller_of_total(provider_, source_.kind) == session_.device(provider_->id);
+}
+
 void PageLoop::take(Page page) {
     const std::unique_ptr<PageCall> ended = std::move(call_);
+    const bool was_in_doubt = std::exchange(is_in_doubt_, false);
+    doubt_.stop();
     // Copies: either may end the loop, and with it what it was given.
     const OnPage on_page = on_page_;
     const OnEnd on_end = on_end_;
@@ -118,7 +150,7 @@ void PageLoop::take(Page page) {
         page.error = NBL_ERROR_BAD_ANSWER;
     }
     if (page.error != NBL_ERROR_NONE) {
-        on_end(page.error);
+        on_end(was_in_doubt ? NBL_ERROR_NONE : page.error);
         return;
     }
     if (page.items.size() > static_cast<size_t>(asked_)) {
@@ -130,11 +162,9 @@ void PageLoop::take(Page page) {
     const bool is_new = count == 0 || seen_.insert(fingerprint_of(page.items)).second;
     const int64_t place = range_.start + got_;
     got_ += passed;
-    // A total below what has come already is wrong. So is that of a server which tells how many it gives.
-    const bool may_be_of_page = page.total == asked_ && count == asked_;
-    const bool complete =
-        got_ >= range_.most || (page.total > 0 && range_.start + got_ == page.total && !may_be_of_page);
-    const bool is_last = passed == 0 || !is_new || complete;
+    // A total below what has come already is wrong.
+    const bool is_all = page.total > 0 && range_.start + got_ == page.total;
+    const bool is_last = passed == 0 || !is_new || got_ >= range_.most || (is_all && is_total_of_all(page));
     const std::weak_ptr<bool> alive = alive_;
     if (count > 0 && is_new) {
         on_page(std::move(page.items), place, page.total);
@@ -144,6 +174,8 @@ void PageLoop::take(Page page) {
     }
     if (is_last) {
         on_end(NBL_ERROR_NONE);
+    } else if (is_all) {
+        ask_in_doubt();
     } else {
         ask();
     }

@@ -59,6 +59,10 @@ private:
  * are wrong or change: the loop ends, with what there is. A server whose answers are larger than their
  * objects can be is not asked on: that is NBL_ERROR_BAD_ANSWER.
  *
+ * Some servers give the size of a page as the total. Where a first page is all that there is by its total,
+ * and the server has never told a total that was larger than a page, the loop asks once more: an error, or no
+ * answer for as long as kDoubt, is the end then.
+ *
  * Lives on the worker's thread. `on_page` and `on_end` may end the loop; the end comes once, and nothing
  * after it.
  */
@@ -69,11 +73,13 @@ public:
     /// So many bytes are read of one source at most: those of an answer, and of each object.
     static constexpr size_t kMostBytes = HttpQuestion::kLargestAnswer;
     static constexpr size_t kMostBytesOfObject = 16 * 1024;
+    static constexpr unsigned kDoubt = 3000;  ///< milliseconds
 
     struct Range {
         int64_t start = 0;
         int64_t most = kMostItems;  ///< objects in all
         int64_t page = 200;         ///< objects to ask for at once
+        int64_t expected = 0;       ///< objects there are, as is known otherwise; 0 for not known
     };
     /// `place` is that of the first item; `total` is what the server says.
     using OnPage = std::function<void(std::vector<ItemPtr> items, int64_t place, int64_t total)>;
@@ -84,7 +90,9 @@ public:
 
 private:
     void ask();
+    void ask_in_doubt();
     void take(Page page);
+    bool is_total_of_all(const Page& page) const;
 
     Session& session_;
     nbl_provider_t const provider_;
@@ -97,6 +105,8 @@ private:
     size_t read_ = 0;    ///< bytes
     std::set<uint64_t> seen_;
     std::unique_ptr<PageCall> call_;
+    bool is_in_doubt_ = false;  ///< whether the question under way has an answer
+    Timer doubt_;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 

@@ -17,7 +17,7 @@ PageMemory::Folder& PageMemory::folder(const std::string& folder_id) {
     const auto found = std::find_if(folders_.begin(), folders_.end(),
                                     [&](const Folder& folder) { return folder.id == folder_id; });
     if (found == folders_.end()) {
-        folders_.push_front({folder_id, {}});
+        folders_.push_front({folder_id, {}, 0});
         folders_.resize(std::min(folders_.size(), kFolders));
     } else {
         folders_.splice(folders_.begin(), folders_, found);

@@ -16,8 +16,9 @@ uint64_t fingerprint_of(const std::vector<ItemPtr>& page);
 
 /**
  * Remembers which pages a server gave of its folders, to find out when it gives the same page for another
- * place: a server that takes no notice of where a page shall start. A folder is forgotten when its first page
- * is asked for again, and when kFolders others were asked for after it.
+ * place: a server that takes no notice of where a page shall start. They are forgotten when the folder's
+ * first page is asked for again. A folder is forgotten altogether when kFolders others were asked for after
+ * it.
  */
 class PageMemory {
 public:
@@ -25,6 +26,10 @@ public:
 
     /// A page is asked for.
     void on_question(const std::string& folder_id, int start);
+    /// So many objects are in the folder, as far as was found out.
+    void set_count(const std::string& folder_id, int64_t count) { folder(folder_id).count = count; }
+    /// 0 for a folder that is not remembered.
+    int64_t count_of(const std::string& folder_id) { return folder(folder_id).count; }
     /// A page has come. Whether it came before, for another place.
     bool is_repeated(const std::string& folder_id, int start, const std::vector<ItemPtr>& page);
 
@@ -32,6 +37,7 @@ private:
     struct Folder {
         std::string id;
         std::map<uint64_t, int> starts;  ///< by fingerprint
+        int64_t count = 0;               ///< of its objects
     };
     Folder& folder(const std::string& folder_id);
 

@@ -18,8 +18,12 @@ struct nbl_provider_s {
     explicit nbl_provider_s(std::string device_id) : id(std::move(device_id)) {}
 
     const std::string id;
-    nbl::PageMemory pages;  ///< of the worker alone
-    /// An nbl_feature_source_e, as the device said that features_of is; of the worker alone.
+    // The next ones are the worker's alone.
+    nbl::PageMemory pages;
+    // The device that told of more objects than it gave; null for none.
+    nbl::DevicePtr tells_total_of_folder;
+    nbl::DevicePtr tells_total_of_search;
+    /// An nbl_feature_source_e, as the device said that features_of is.
     int feature_source = NBL_FEATURE_SOURCE_NONE;
     nbl::DevicePtr features_of;  ///< null as long as none said anything
 };

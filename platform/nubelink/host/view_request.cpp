@@ -77,9 +77,10 @@ void ViewRequest::take_tree(int error, const ViewTree* tree) {
     }
 }
 
-ViewBrowseRequest::ViewBrowseRequest(nbl_provider_t provider, const std::string& id, int start, int count,
+ViewBrowseRequest::ViewBrowseRequest(nbl_provider_t provider, const nbl_item_s& folder, int start, int count,
                                      ItemClient client)
-    : ViewRequest(provider, id, std::make_unique<BrowseRequest>(provider, id, start, count, client), client),
+    : ViewRequest(provider, std::string(folder.text("@id")),
+                  std::make_unique<BrowseRequest>(provider, folder, start, count, client), client),
       start_(start),
       count_(count) {}
 

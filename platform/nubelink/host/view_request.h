@@ -43,7 +43,7 @@ private:
 /// Children of a container, from `start` on, `count` at most.
 class ViewBrowseRequest : public ViewRequest {
 public:
-    ViewBrowseRequest(nbl_provider_t provider, const std::string& id, int start, int count,
+    ViewBrowseRequest(nbl_provider_t provider, const nbl_item_s& folder, int start, int count,
                       ItemClient client);
 
 private:

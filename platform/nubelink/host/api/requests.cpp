@@ -48,15 +48,14 @@ int nbl_provider_browse(nbl_provider_t provider, nbl_item_t item, int start, int
         is_wrong_range(start, count)) {
         return NBL_ERROR_INVALID_PARAMETER;
     }
-    const std::string id(item->text("@id"));
     const int most = std::min(count, kMostAtOnce);
     const nbl::ItemClient client{callback, user_data};
-    if (nbl::view_of(id) != nullptr) {
+    if (nbl::view_of(item->text("@id")) != nullptr) {
         return Service::instance().start(
-            std::make_unique<nbl::ViewBrowseRequest>(provider, id, start, most, client), token);
+            std::make_unique<nbl::ViewBrowseRequest>(provider, *item, start, most, client), token);
     }
     return Service::instance().start(
-        std::make_unique<nbl::BrowseRequest>(provider, id, start, most, client), token);
+        std::make_unique<nbl::BrowseRequest>(provider, *item, start, most, client), token);
 }
 
 int nbl_provider_browse_item(nbl_provider_t provider, const char* id, nbl_provider_cb callback,
