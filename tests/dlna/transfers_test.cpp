@@ -339,6 +339,30 @@ TEST_F(BookmarkTest, IsKeptForAServerThatHasGone) {
     EXPECT_EQ(bookmark(), 75);
 }
 
+TEST_F(BookmarkTest, IsKeptWhereTheServerGoesBeforeItAnswers) {
+    start({"--bookmark=action"});
+    const Item item = item_of(provider, "v-1");
+    server->set("X_SetBookmark.hold");
+    EXPECT_EQ(nbl_provider_set_bookmark(provider, item.get(), 75, nullptr, 65535), NBL_ERROR_NONE);
+    server->await("X_SetBookmark", 1);
+    server->tell({"goodbye"});
+    ASSERT_TRUE(wait_for_event(NBL_DEVICE_EVENT_REMOVED, kFirstId));
+
+    EXPECT_EQ(item.number(nbl_item_get_bookmark), 75);
+}
+
+TEST_F(BookmarkTest, IsKeptWhereTheServiceEndsBeforeTheServerAnswers) {
+    start({"--bookmark=action"});
+    const Item item = item_of(provider, "v-1");
+    server->set("X_SetBookmark.hold");
+    EXPECT_EQ(nbl_provider_set_bookmark(provider, item.get(), 75, nullptr, 65535), NBL_ERROR_NONE);
+    server->await("X_SetBookmark", 1);
+    disconnect();
+
+    EXPECT_EQ(item.number(nbl_item_get_bookmark), 75);
+    connect();
+}
+
 TEST_F(BookmarkTest, TakesNoPositionBeforeTheStart) {
     start();
     EXPECT_EQ(nbl_provider_set_bookmark(provider, item_of(provider, "v-1").get(), -1, nullptr, 65535),

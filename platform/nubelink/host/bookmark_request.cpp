@@ -176,13 +176,21 @@ void BookmarkRequest::take_answer(const SoapAnswer& found) {
 }
 
 void BookmarkRequest::keep(int seconds) {
+    session_->requests().end(token(), keep_here(seconds) ? NBL_ERROR_NONE : NBL_ERROR_FILE);
+}
+
+bool BookmarkRequest::keep_here(int seconds) const {
     const std::string_view id = item_->text("@id");
     const bool needless = seconds == 0 && kept_positions().find(device_id(), id) == 0;
-    const bool kept = needless || kept_positions().keep(device_id(), id, seconds);
-    session_->requests().end(token(), kept ? NBL_ERROR_NONE : NBL_ERROR_FILE);
+    return needless || kept_positions().keep(device_id(), id, seconds);
 }
 
 void BookmarkRequest::answer(int error) {
+    // Whether the server has kept it will not be known any more.
+    const bool is_gone = error == NBL_ERROR_DEVICE_GONE || error == NBL_ERROR_TIMEOUT;
+    if ((is_gone || error == NBL_ERROR_NOT_CONNECTED) && keep_here(seconds_) && is_gone) {
+        error = NBL_ERROR_NONE;
+    }
     if (callback_ != nullptr) {
         const DevicePtr device = session_ != nullptr ? session_->device(device_id()) : nullptr;
         callback_(device.get(), error, tag_);

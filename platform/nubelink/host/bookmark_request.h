@@ -36,7 +36,8 @@ int kept_position_of(const nbl_item_s& item);
 
 /**
  * Keeps the position of an item: at the server, where it announces an action for that, else in
- * kept_positions(). A server that refuses, or has gone, is one that keeps none.
+ * kept_positions(). A server that refuses, or has gone, is one that keeps none; so is one that has not answered
+ * when the service ends.
  */
 class BookmarkRequest : public Request {
 public:
@@ -49,6 +50,7 @@ private:
     void take_description(HttpAnswer answer);
     void take_answer(const SoapAnswer& answer);
     void keep(int seconds);
+    bool keep_here(int seconds) const;
 
     const ItemPtr item_;
     const int seconds_;
