@@ -23,11 +23,6 @@ constexpr size_t kPiece = 256 * 1024;
 constexpr int kMostRedirects = 5;
 constexpr mode_t kFileRights = 0644;
 
-int error_of(const GError* error) {
-    const bool over_time = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT);
-    return over_time ? NBL_ERROR_TIMEOUT : NBL_ERROR_NETWORK;
-}
-
 /// A new file in the place of a regular one, or of none. Nothing is written through a link.
 int open_anew(const std::string& path) {
     struct stat status {};

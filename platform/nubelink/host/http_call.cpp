@@ -25,11 +25,6 @@ void on_preliminary_answer(SoupMessage* message, GCancellable* cancel) {
     }
 }
 
-int error_of(const GError* error) {
-    const bool over_time = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT);
-    return over_time ? NBL_ERROR_TIMEOUT : NBL_ERROR_NETWORK;
-}
-
 }  // namespace
 
 HttpClient::HttpClient()
@@ -53,6 +48,11 @@ bool is_web_address(const char* uri) {
            (g_strcmp0(scheme, "http") == 0 || g_strcmp0(scheme, "https") == 0);
 }
 
+int error_of(const GError* error) {
+    const bool over_time = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT);
+    return over_time ? NBL_ERROR_TIMEOUT : NBL_ERROR_NETWORK;
+}
+
 void cancel_where_never_answered(SoupMessage* message, GCancellable* cancel) {
     g_signal_connect_object(message, "got-informational", G_CALLBACK(on_preliminary_answer), cancel,
                             static_cast<GConnectFlags>(0));
@@ -70,7 +70,7 @@ public:
 
 private:
     using Shared = std::shared_ptr<State>;
-    void* hand_out() { return new Shared(shared_from_this()); }
+    void* hand_out() { return std::make_unique<Shared>(shared_from_this()).release(); }
     static Shared take_back(void* handed_out) {
         const std::unique_ptr<Shared> owner(static_cast<Shared*>(handed_out));
         return *owner;

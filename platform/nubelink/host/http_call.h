@@ -11,6 +11,7 @@
 #include "platform/support/glib_ptr.h"
 
 typedef struct _GCancellable GCancellable;
+typedef struct _GError GError;
 typedef struct _SoupMessage SoupMessage;
 typedef struct _SoupSession SoupSession;
 
@@ -46,6 +47,9 @@ private:
 
 /// Whether a text is an address that the service may speak to: http or https, with a host.
 bool is_web_address(const char* uri);
+
+/// What a connection's end makes of a question, an nbl_error_e.
+int error_of(const GError* error);
 
 /// Cancels the question of a server that says again and again that its answer is to come. libsoup reads that
 /// without ever coming back to its loop as long as there is more of it: no timer would come to its turn.

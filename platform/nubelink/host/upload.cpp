@@ -107,8 +107,8 @@ private:
 
 Upload::State::~State() {
     if (message_ != nullptr) {
-        g_signal_handlers_disconnect_by_data(message_.get(),
-                                             this);  // libsoup may keep the message for longer.
+        // libsoup may keep the message for longer.
+        g_signal_handlers_disconnect_by_data(message_.get(), this);
     }
 }
 
