@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -145,6 +146,22 @@ INSTANTIATE_TEST_SUITE_P(Faults, ListsOfAMisbehavingServer,
                                          Misbehaviour{"not-utf8", "3", QRA_EVENT_LIST_SUCCESS, 250},
                                          Misbehaviour{"broken-didl", "", QRA_EVENT_LIST_SUCCESS, 250},
                                          Misbehaviour{"empty-didl", "", QRA_EVENT_LIST_FAILED, 0}));
+
+TEST_F(MediaServerLists, HoldAllThatAServerGivesInShortPagesWithTheirSizeAsTheTotal) {
+    server().generate("films", "video", 250);
+    for (const char* action : {"Browse.", "Search."}) {
+        server().set(std::string(action) + "at-most", "30");
+        server().set(std::string(action) + "total-of-page");
+    }
+    ServerList list(kServer, {"CATEGORY-FOLDER", "CONTENT-FOLDER", "films"});
+    EXPECT_EQ(list.wait(kFoldersAndMedia), QRA_EVENT_LIST_SUCCESS);
+    EXPECT_EQ(list.texts("ID_QRA").size(), 250u);
+    ServerList view(kServer, {"CATEGORY-TITLE", "CONTENT-VIDEO", "/"});
+    EXPECT_EQ(view.wait(kGroupsAndMedia), QRA_EVENT_LIST_SUCCESS);
+    // A group's tile has the id of its first film.
+    const std::vector<std::string> ids = view.texts("ID_QRA");
+    EXPECT_EQ(std::set<std::string>(ids.begin(), ids.end()).size(), 250u);
+}
 
 TEST_F(MediaServerLists, ShowAFolderThatHoldsItself) {
     server().tell({"tree", "t", "2", "2"});

@@ -138,7 +138,6 @@ void BrowseItemRequest::on_part() {
         finish({}, 0, 0);
         return;
     }
-    object_->items.resize(1);
     if (object_->items.front()->type() != NBL_ITEM_TYPE_FOLDER) {
         finish(object_->items, 0, 1);
     } else if (children_ != nullptr) {
@@ -165,7 +164,6 @@ void BrowseItemRequest::look_for_end(int64_t said) {
         finish_folder(FolderEnd::kMostChildren);
         return;
     }
-    children_->items.resize(1);
     end_ = std::make_unique<FolderEnd>(session(), provider(), id_, children_->items, said,
                                        [this](int64_t count) { finish_folder(count); });
 }

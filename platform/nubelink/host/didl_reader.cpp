@@ -79,7 +79,8 @@ uint64_t rank_of(const Resource& resource) {
 
 class DidlHandler : public XmlHandler {
 public:
-    DidlHandler(nbl_provider_t provider, std::vector<ItemPtr>& items) : provider_(provider), items_(items) {}
+    DidlHandler(nbl_provider_t provider, std::vector<ItemPtr>& items, size_t most)
+        : provider_(provider), items_(items), most_(most) {}
 
     void open(const XmlName& name, const XmlAttributes& attributes) override {
         ++depth_;
@@ -116,6 +117,7 @@ private:
 
     nbl_provider_t const provider_;
     std::vector<ItemPtr>& items_;
+    size_t most_;  ///< objects that may still be read
     ItemBuilder builder_;
     int depth_ = 0;
     bool in_object_ = false;
@@ -135,7 +137,7 @@ private:
 
 void DidlHandler::open_object(const XmlName& name, const XmlAttributes& attributes) {
     is_container_ = name.local == "container";
-    in_object_ = is_container_ || name.local == "item";
+    in_object_ = (is_container_ || name.local == "item") && most_ > 0;
     builder_.clear();
     properties_ = 0;
     best_.clear();
@@ -209,6 +211,7 @@ void DidlHandler::offer_thumbnail(std::string_view address, bool sure) {
 
 void DidlHandler::close_object() {
     in_object_ = false;
+    --most_;
     builder_.add("res", best_.address);
     for (const auto& [name, value] : best_.attributes) {
         add("res@" + name, value);
@@ -227,12 +230,12 @@ void DidlHandler::close_object() {
 
 }  // namespace
 
-bool read_didl(std::string_view document, nbl_provider_t provider, std::vector<ItemPtr>& items) {
+bool read_didl(std::string_view document, nbl_provider_t provider, std::vector<ItemPtr>& items, size_t most) {
     document = trimmed(document);
     if (document.empty()) {
         return true;
     }
-    DidlHandler handler(provider, items);
+    DidlHandler handler(provider, items, most);
     return read_xml(document, handler);
 }
 

@@ -1,7 +1,8 @@
 #ifndef QRA_NUBELINK_DIDL_READER_H
 #define QRA_NUBELINK_DIDL_READER_H
 
-#include <string>
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -23,9 +24,11 @@ namespace nbl {
  * @param document  UTF-8 as mend_xml() leaves it
  * @param provider  the server that it comes from
  * @param items     the objects are appended to it
+ * @param most      objects that are read; the rest is passed over
  * @return whether it was well-formed to its end; an empty document is
  */
-bool read_didl(std::string_view document, nbl_provider_t provider, std::vector<ItemPtr>& items);
+bool read_didl(std::string_view document, nbl_provider_t provider, std::vector<ItemPtr>& items,
+               size_t most = SIZE_MAX);
 
 }  // namespace nbl
 

@@ -44,7 +44,6 @@ void FolderEnd::take(Page page) {
         return;
     }
     if (is_there) {
-        page.items.resize(1);
         if (fingerprint_of(page.items) == first_) {
             done(std::max(said_, least_));
             return;

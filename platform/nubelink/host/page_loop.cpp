@@ -43,7 +43,7 @@ int64_t count_in(const SoapAnswer& answer, std::string_view name) {
     return static_cast<int64_t>(std::min<uint64_t>(number, INT_MAX));
 }
 
-Page read_page(const SoapAnswer& answer, nbl_provider_t provider) {
+Page read_page(const SoapAnswer& answer, nbl_provider_t provider, size_t most) {
     Page page;
     page.error = answer.error;
     page.bytes = answer.bytes;
@@ -57,7 +57,7 @@ Page read_page(const SoapAnswer& answer, nbl_provider_t provider) {
     // References to characters can bring in again what the envelope was freed of.
     std::string document(answer.find("Result"));
     mend_xml(document);
-    page.is_whole = read_didl(document, provider, page.items);
+    page.is_whole = read_didl(document, provider, page.items, most);
     page.total = count_in(answer, "TotalMatches");
     page.returned = count_in(answer, "NumberReturned");
     const bool says_something = page.is_whole && !answer.arguments.empty();
@@ -85,17 +85,18 @@ PageCall::PageCall(Session& session, nbl_provider_t provider, const PageSource& 
         });
         return;
     }
+    const int64_t most = source.kind == PageSource::Kind::kObject ? 1 : count;
     call_.emplace(
         session.http(), device->description.content_directory, question_for(source, start, count),
-        [&session, provider, kind = source.kind, count, done = std::move(done)](const SoapAnswer& answer) {
+        [&session, provider, kind = source.kind, most, done = std::move(done)](const SoapAnswer& answer) {
             session.on_call_error(provider->id, answer.error);
             if (ItemMemory::is_full()) {
                 session.views().forget_unused();
             }
-            Page page = read_page(answer, provider);
+            Page page = read_page(answer, provider, static_cast<size_t>(most));
             // What is as many as were asked for may be no more than that.
             const auto given = static_cast<int64_t>(page.items.size());
-            if (kind != PageSource::Kind::kObject && page.total > given && page.total != count) {
+            if (kind != PageSource::Kind::kObject && page.total > given && page.total != most) {
                 teller_of_total(provider, kind) = session.device(provider->id);
             }
             done(std::move(page));
@@ -152,9 +153,6 @@ void PageLoop::take(Page page) {
     if (page.error != NBL_ERROR_NONE) {
         on_end(was_in_doubt ? NBL_ERROR_NONE : page.error);
         return;
-    }
-    if (page.items.size() > static_cast<size_t>(asked_)) {
-        page.items.resize(static_cast<size_t>(asked_));
     }
     const auto count = static_cast<int64_t>(page.items.size());
     // Of a broken page the objects that could not be read are passed over too.

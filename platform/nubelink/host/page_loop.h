@@ -25,12 +25,12 @@ struct PageSource {
 
 /// One answer of a server.
 struct Page {
-    int error = 0;  ///< an nbl_error_e; items are there only without one
-    std::vector<ItemPtr> items;
-    int64_t total = 0;     ///< as the server says; 0 for unknown
-    int64_t returned = 0;  ///< how many objects the server says it gave
-    bool is_whole = true;  ///< its DIDL was well-formed
-    size_t bytes = 0;      ///< of the whole answer, as it came
+    int error = 0;               ///< an nbl_error_e; items are there only without one
+    std::vector<ItemPtr> items;  ///< no more than were asked for
+    int64_t total = 0;           ///< as the server says; 0 for unknown
+    int64_t returned = 0;        ///< how many objects the server says it gave
+    bool is_whole = true;        ///< its DIDL was well-formed
+    size_t bytes = 0;            ///< of the whole answer, as it came
 };
 
 /// Whether a page's error is that nobody answered, or that nobody was asked.

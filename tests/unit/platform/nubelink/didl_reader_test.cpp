@@ -176,6 +176,13 @@ TEST(DidlReader, StopsAtATagWithMoreAttributesThanAnyHas) {
     EXPECT_FALSE(whole);
 }
 
+TEST(DidlReader, ReadsNoMoreObjectsThanAreWanted) {
+    const std::string document = kHead + titled("a") + titled("b") + titled("c") + "</DIDL-Lite>";
+    std::vector<ItemPtr> items;
+    EXPECT_TRUE(read_didl(document, nullptr, items, 2));
+    EXPECT_THAT(titles(items), ElementsAre("a", "b"));
+}
+
 TEST(DidlReader, LeavesOutObjectsInsideObjects) {
     const auto items =
         read_objects("<container id=\"1\"><dc:title>outer</dc:title>" + titled("inner") + "</container>");
