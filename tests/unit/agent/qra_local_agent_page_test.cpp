@@ -78,6 +78,7 @@ TEST_F(Page, AFolderPageTellsItsSizes) {
 
     open_page(0xA4, "CATEGORY-FOLDER-DATE");
 
+    EXPECT_TRUE(log.contains("Start to excute qra_set_page_style for agent["));
     EXPECT_TRUE(log.contains("Build page success. Total PageSize[6], UpfolderSize[1], EmptySize[2]."));
 }
 

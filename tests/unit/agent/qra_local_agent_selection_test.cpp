@@ -146,10 +146,14 @@ TEST_F(Selection, DeselectAllEmptiesTheListAndItsKind) {
 
 TEST_F(Selection, PlayDataOfAnEmptySelectionNamesNoObject) {
     char* data = nullptr;
+    const LogCapture log;
 
     EXPECT_EQ(qra_prepare_play_data_v2(handle_, &data), QRA_ERROR_NONE);
 
     EXPECT_STREQ(data, "{\"qra_has_selected_item\":false}\n");
+    EXPECT_TRUE(log.contains("Start to excute qra_prepare_play_data for agent["));
+    EXPECT_TRUE(log.contains("pPrepareData[{\"qra_has_selected_item\":false}"));
+    EXPECT_FALSE(log.contains("Build share memory for select item."));
     free(data);
 }
 

@@ -87,6 +87,11 @@ TEST_F(Batch, KnowsAJobUntilItIsStopped) {
     EXPECT_EQ(qra_stop_batch_process_v2(job_), QRA_ERROR_NONE);
 
     EXPECT_FALSE(is_known(job_));
+    for (const char* text :
+         {"Start to excute qra_send, nAgent[", "pShareThread->Excute success, Get pShareHandler[",
+          "After insert share handle[", "pShareHandler->pThread->Stop success for nShareHandler[",
+          "After remove nShareHandler["})
+        EXPECT_TRUE(log_.contains(text)) << text;
     EXPECT_EQ(qra_stop_batch_process_v2(job_), QRA_ERROR_INVALID_HANDLE);
     EXPECT_EQ(qra_stop_batch_process_v3(job_, QRA_STOP_TYPE_KEEP), QRA_ERROR_INVALID_HANDLE);
     job_ = nullptr;
@@ -97,6 +102,8 @@ TEST_F(Batch, RefusesToStopWhatIsNoJob) {
     EXPECT_EQ(qra_stop_batch_process_v2(reinterpret_cast<CQRASendHandle*>(list_)), QRA_ERROR_INVALID_HANDLE);
     EXPECT_EQ(qra_stop_batch_process_v3(reinterpret_cast<CQRASendHandle*>(1), QRA_STOP_TYPE_REMOVE),
               QRA_ERROR_INVALID_HANDLE);
+    EXPECT_TRUE(log_.contains("Start to excute qra_stop_send, nShareHandler[(nil)]."));
+    EXPECT_TRUE(log_.contains("Start to excute qra_stop_batch_process_v3, nShareHandler[0x1], type[0]."));
 }
 
 TEST_F(Batch, AHandleWithoutAJobStaysWhenItIsStopped) {
