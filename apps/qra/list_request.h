@@ -75,7 +75,7 @@ public:
     std::optional<std::string> item(int index);
     /// False for a tile that cannot be read.
     bool reach(int index);
-    /// Moves one tile on, along a list of nothing but files; reads no package.
+    /// Moves one tile on, along a list of all its folders and files; reads no package.
     bool step();
     /// @throws CommandError where reach() fails
     void move_to(int index);

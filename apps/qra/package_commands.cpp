@@ -36,7 +36,8 @@ constexpr const char* kTexts[] = {
 
 using Values = std::vector<std::pair<std::string, std::variant<std::string, int>>>;
 
-/// The folder of a package as a list of nothing but such packages.
+/// The folder of a package as a list of its folders and of such packages. Without the folders the list's
+/// first tile would not be the source's first item, and the cursor would start beside it.
 CommandLine list_line(const CommandLine& line, const fs::path& file) {
     std::string extension = file.extension().string();
     if (extension.size() < 2) {
@@ -49,7 +50,7 @@ CommandLine list_line(const CommandLine& line, const fs::path& file) {
     list.path = file.parent_path().string();
     list.list.extension = json_text(names);
     list.list.uhd = true;
-    list.list.mask = kMedia;
+    list.list.mask = kFoldersAndMedia;
     return list;
 }
 
@@ -85,7 +86,7 @@ Values read_values(qra_agent_handler_h list) {
     return values;
 }
 
-/// Puts the cursor on a file of the list. The list has no tiles but media: it can be walked tile by tile,
+/// Puts the cursor on a file of the list. All tiles are items of the source: it can be walked tile by tile,
 /// which reads no package, and each tells its path.
 void move_to_file(ListRequest& request, const CommandLine& line, const std::string& name) {
     for (int index = 0; index < request.tile_count(); ++index, request.step()) {

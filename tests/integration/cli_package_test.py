@@ -88,6 +88,14 @@ class PackageTest(ToolTest):
                 self.assert_fails(FAILED, message, "package", self.tree / name)
         self.assert_fails(USAGE, "FILE", "package")
 
+    def test_a_package_is_found_beside_folders_and_other_media(self):
+        (self.tree / "Extras").mkdir()
+        (self.tree / "Trailers").mkdir()
+        png(self.tree / "picture.png")
+        self.make_alone("b.uvu")
+        film = self.make_alone("c.uvu", title="Third")
+        self.assertEqual("Third", self.package(film)["TITLE_19"])
+
     def test_only_the_package_that_is_asked_for_is_read(self):
         for name in ("a.uvu", "c.uvu"):
             (self.tree / name).write_text("no package")
