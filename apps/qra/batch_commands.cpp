@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
 #include <functional>
@@ -265,9 +263,8 @@ void run_copy(const CommandLine& line) {
 }
 
 void run_delete(const CommandLine& line) {
-    if (!line.job.yes && !line.job.dry_run && isatty(STDIN_FILENO) != 1) {
-        throw CommandError(ExitStatus::Usage,
-                           "delete asks first, and there is no terminal to ask on: give --yes");
+    if (!line.job.yes && !line.job.dry_run) {
+        require_someone_to_ask();
     }
     Browsing browsing(line);
     const std::string folder = existing_directory(line.path);

@@ -48,6 +48,13 @@ std::string read_some(const SignalEvent& event) {
 
 }  // namespace
 
+void require_someone_to_ask() {
+    if (isatty(STDIN_FILENO) != 1) {
+        throw CommandError(ExitStatus::Usage,
+                           "delete asks first, and there is no terminal to ask on: give --yes");
+    }
+}
+
 bool confirmed(const std::string& question) {
     const SignalEvent event;
     std::fprintf(stderr, "%s [y/N] ", question.c_str());

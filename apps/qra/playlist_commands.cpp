@@ -145,6 +145,9 @@ void run_playlist_rename(const CommandLine& line) {
 }
 
 void run_playlist_delete(const CommandLine& line) {
+    if (!line.playlist.yes) {
+        require_someone_to_ask();
+    }
     const PlaylistPlace place = playlist_place(line);
     OpenPlaylist playlist(place);
     if (!line.playlist.yes && !confirmed("Delete the playlist " + printable_text(place.name) + "?")) {
