@@ -175,6 +175,9 @@ std::string text_as_utf8(const std::string& bytes) {
 
 std::vector<ForeignEntry> read_foreign_playlist(const std::string& bytes) {
     const std::string text = text_as_utf8(bytes);
+    if (text.find('\0') != std::string::npos) {
+        throw std::invalid_argument("this is no playlist: it holds NUL bytes");
+    }
     const size_t begin = std::min(text.find_first_not_of(" \t\r\n"), text.size());
     const std::string_view start = std::string_view(text).substr(begin);
     if (starts_with(start, "[")) {

@@ -15,7 +15,7 @@ struct ForeignEntry {
 std::string text_as_utf8(const std::string& bytes);
 
 /// Reads an M3U or M3U8, a PLS or an XSPF, told apart by their content, and M3U where nothing else is said.
-/// @throws std::invalid_argument for a PLS or an XSPF that cannot be read
+/// @throws std::invalid_argument for a PLS or an XSPF that cannot be read, and for what is no text
 std::vector<ForeignEntry> read_foreign_playlist(const std::string& bytes);
 
 /// The file that a location means, beside a playlist in `directory`; "" for one on the network.

@@ -1,10 +1,12 @@
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "apps/qra/browsing.h"
@@ -33,7 +35,7 @@ namespace {
 class SongReader {
 public:
     SongReader(const CommandLine& line, std::string directory)
-        : line_(line), directory_(std::move(directory)) {}
+        : line_(line), directory_(std::move(directory)), drive_(existing_directory(directory_)) {}
 
     /// The songs of the tiles that the command's choices mean.
     std::vector<Song> chosen() {
@@ -62,6 +64,7 @@ public:
         if (error) {
             fail(printable_text(file) + ": " + error.message());
         }
+        check_drive(path);
         const std::map<std::string, Song>& songs = folder(path.parent_path());
         const auto found = songs.find(path.filename());
         if (found == songs.end()) {
@@ -72,6 +75,18 @@ public:
     }
 
 private:
+    /// A file elsewhere is refused before its folder is listed, which would make that folder a drive.
+    void check_drive(const fs::path& path) const {
+        const fs::path below = path.lexically_relative(drive_);
+        if (!line_.playlist.internal && (below.empty() || *below.begin() == "..")) {
+            fail_elsewhere(path);
+        }
+    }
+
+    [[noreturn]] static void fail_elsewhere(const std::string& path) {
+        fail(printable_text(path) + ": on another drive than the playlist");
+    }
+
     /// When a playlist is read again, a path has lost its colons, bars and line feeds have broken its item,
     /// and items that do not lie on the playlist's drive are looked for beside it.
     void check_path(const std::string& path) const {
@@ -80,7 +95,7 @@ private:
                  ": a path with a colon, a bar or a line feed cannot stand in a playlist");
         }
         if (!line_.playlist.internal && path.rfind(directory_ + "/", 0) != 0) {
-            fail(printable_text(path) + ": on another drive than the playlist");
+            fail_elsewhere(path);
         }
     }
 
@@ -113,7 +128,8 @@ private:
     }
 
     const CommandLine& line_;
-    const std::string directory_;
+    const std::string directory_;  ///< the playlist's, as the media database has it
+    const fs::path drive_;         ///< the same folder where it really is
     std::map<std::string, std::map<std::string, Song>> folders_;
 };
 
@@ -133,9 +149,13 @@ void report_count(const CommandLine& line, const char* what, std::size_t count) 
 }
 
 std::string read_file(const std::string& path) {
+    std::error_code error;
+    if (!fs::is_regular_file(path, error)) {
+        fail(shown_path(path) + ": " + (error ? error.message() : "no regular file"));
+    }
     std::ifstream stream(path, std::ios::binary);
-    if (!stream || !fs::is_regular_file(path)) {
-        fail(printable_text(path) + ": cannot be read");
+    if (!stream) {
+        fail(printable_text(path) + ": " + std::generic_category().message(errno));
     }
     return {std::istreambuf_iterator<char>(stream), {}};
 }
@@ -240,6 +260,9 @@ void run_playlist_import(const CommandLine& line) {
     SongReader reader(line, place.directory);
     std::size_t left_out = 0;
     const std::vector<Song> songs = songs_of(line.playlist.file, reader, left_out);
+    if (songs.empty() && left_out > 0) {
+        fail("no playlist was made: none of its entries can be taken");
+    }
     create_playlist(place, std::max(line.playlist.max_items, static_cast<int>(songs.size())));
     tell_other_name(named.playlist.name, place.name);
     OpenPlaylist playlist(place);

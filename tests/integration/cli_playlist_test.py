@@ -4,10 +4,11 @@
 Usage: cli_playlist_test.py QRA ENGINE [TEST...]
 """
 import json
+import os
 import subprocess
 import unittest
 
-from cli_tool import FAILED, SUCCESS, USAGE, ToolTest, have_own_mounts, wav
+from cli_tool import FAILED, QRA, SUCCESS, USAGE, TerminalRun, ToolTest, have_own_mounts, wav
 
 
 class SongsTest(ToolTest):
@@ -128,8 +129,13 @@ class PlaylistTest(SongsTest):
         self.playlist("rename", self.tree, "Party", "Summer")
         self.assertEqual(["rock.wav"], self.titles("Summer"))
         self.assertEqual([file], self.files())
-        asked = self.playlist("delete", self.tree, "Summer", status=FAILED).stderr.decode()
-        self.assertIn("Delete the playlist Summer? [y/N] qra: nothing was deleted", asked)
+        with TerminalRun([QRA, "playlist", "delete", self.tree, "Summer"], self.environment) as run:
+            run.read_until(r"Delete the playlist Summer\? \[y/N\] ")
+            os.write(run.master, b"n\n")
+            self.assertEqual(FAILED, run.wait(), run.text)
+        self.assertIn("qra: nothing was deleted", run.text)
+        self.assert_fails(USAGE, "no terminal to ask on: give --yes", "playlist", "delete", self.tree, "Summer")
+        self.assertEqual([file], self.files())
         self.playlist("delete", self.tree, "Summer", "--yes")
         self.assertEqual([], self.files())
         self.playlist("show", self.tree, "Summer", status=FAILED)
@@ -184,6 +190,27 @@ class PlaylistTest(SongsTest):
         self.assertEqual(["caf\u00e9.wav"], self.titles("Old"))
         (self.tree / "bad.xspf").write_text("<playlist>")
         self.playlist("import", self.tree, self.tree / "bad.xspf", status=FAILED)
+
+    def test_files_elsewhere_are_refused_and_their_folders_stay_what_they_are(self):
+        elsewhere = self.directory / "elsewhere"
+        elsewhere.mkdir()
+        wav(elsewhere / "far.wav")
+        self.make()
+        drives = self.stdout("storages")
+        result = self.playlist("add", self.tree, "Party", elsewhere / "far.wav", status=FAILED)
+        self.assertIn("elsewhere/far.wav: on another drive than the playlist", result.stderr.decode())
+        (self.tree / "far.m3u8").write_text("../elsewhere/far.wav\n..\n")
+        result = self.playlist("import", self.tree, self.tree / "far.m3u8", status=FAILED)
+        self.assertIn("no playlist was made: none of its entries can be taken", result.stderr.decode())
+        self.assertEqual(drives, self.stdout("storages"))
+        self.assertEqual(1, len(self.files()))
+
+    def test_what_is_no_list_makes_no_playlist(self):
+        for name, reason in {"rock.wav": "no playlist: it holds NUL bytes", "gone.m3u8": "No such file or directory",
+                             "Sub": "no regular file"}.items():
+            with self.subTest(name):
+                self.assert_fails(FAILED, name + ": .*" + reason, "playlist", "import", self.tree, self.tree / name)
+        self.assertEqual([], self.files())
 
     def test_internal_storage_has_one_playlist(self):
         flash = self.directory / "flash"

@@ -77,6 +77,12 @@ TEST(ForeignPlaylist, ALocationIsAFileBesideThePlaylistOrAUriOfOne) {
     EXPECT_EQ(file("a%20b.mp3"), dir.path("a%20b.mp3"));
 }
 
+TEST(ForeignPlaylist, WhatIsNoTextIsNoPlaylist) {
+    using namespace std::string_literals;
+    EXPECT_THROW(entries("a.mp3\n\0b.mp3\n"s), std::invalid_argument);
+    EXPECT_EQ(entries("\xFF\xFE\x61\0\n\0"s), "a=|");
+}
+
 TEST(ForeignPlaylist, WhatIsWrittenCanBeReadAgain) {
     const std::string text = write_m3u8({{"sub/a.mp3", "Band - Song", 215}, {"#1.mp3", "caf\xE9\nx", -1}});
     EXPECT_EQ(text, "#EXTM3U\n#EXTINF:215,Band - Song\nsub/a.mp3\n#EXTINF:-1,café x\n./#1.mp3\n");
