@@ -68,6 +68,17 @@ class UsageTest(ToolTest):
             with self.subTest(arguments):
                 self.assert_fails(USAGE, ".", *arguments)
 
+    def test_what_is_wrong_is_named(self):
+        for problem, arguments in {
+                "dance: there is no such command": ["dance"], "leap: there is no such command": ["account", "leap"],
+                "--jump: there is no such command or option": ["--jump"],
+                "--content: there is no content type CONTENT-SMELL": ["list", ".", "--content", "CONTENT-SMELL"],
+                "--extension: is no JSON object": ["list", ".", "--extension", "jpg"],
+                "--extension: there is no list image": ["get", ".", "1", "TITLE", "--extension", '{"image":["jpg"]}'],
+                "--keyword: only with": ["list", ".", "--keyword", "sea"]}.items():
+            with self.subTest(arguments):
+                self.assert_fails(USAGE, problem, *arguments)
+
 
 class DriveTest(ToolTest):
     def test_attach_prints_the_name_of_the_new_drive(self):
@@ -81,6 +92,12 @@ class DriveTest(ToolTest):
 
     def test_attach_takes_the_wanted_name(self):
         self.assertEqual("USBDrive7\n", self.stdout("attach", self.tree, "--as", "USBDrive7"))
+
+    def test_attach_tells_that_a_drive_keeps_its_name(self):
+        self.qra("attach", self.tree)
+        result = self.qra("attach", self.tree, "--as", "USBDrive7")
+        self.assertEqual(b"USBDrive1\n", result.stdout)
+        self.assertIn(b"tree lies on USBDrive1 already, which keeps its name", result.stderr)
 
     def test_attach_refuses_a_name_in_use(self):
         other = self.directory / "other"
@@ -390,6 +407,8 @@ class ListTest(ToolTest):
                         ["--sort", "CATEGORY-ARTIST"]):
             with self.subTest(options):
                 self.assert_fails(FAILED, "list request|page style", "list", self.tree, *options)
+        self.assert_fails(FAILED, "CATEGORY-ARTIST with CONTENT-MUSIC of .*/USBDrive1", "list", self.tree, "--content",
+                          "CONTENT-MUSIC", "--sort", "CATEGORY-ARTIST")
 
     def test_keyword_that_breaks_the_condition_fails_and_the_next_request_works(self):
         search = ["list", self.tree, "--sort", "CATEGORY-KEYWORD-SEARCH", "--mask", "4", "--json", "--keyword"]
@@ -625,6 +644,11 @@ class ExampleTest(ToolTest):
         tiles = [json.loads(line) for line in result.stdout.splitlines()]
         self.assertEqual(["Holiday", "Music", "Recordings", "blues.wav", "clip.mp4", "IMG_2.png", "IMG_10.png"],
                          [tile["DISPLAY_NAME"] for tile in tiles[1:]])
+
+    def test_example_fails_with_a_list_that_fails(self):
+        result = subprocess.run([WITH_BUS, LIST_FOLDER, str(self.tree)], env=self.environment, capture_output=True,
+                                timeout=60)
+        self.assertEqual((1, b""), (result.returncode, result.stdout), result.stderr)
 
     def test_readme_shows_the_example_as_it_is(self):
         project = Path(__file__).resolve().parents[2]
