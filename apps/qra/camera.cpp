@@ -77,6 +77,14 @@ private:
     std::set<mtp_object_h> seen_;
 };
 
+std::string missing_camera(int bus, int device) {
+    if (bus < 0 && device < 0) {
+        return "no camera is connected";
+    }
+    return "there is no such camera:" + (bus < 0 ? "" : " bus " + std::to_string(bus)) +
+           (device < 0 ? "" : " device " + std::to_string(device)) + "; see qra camera list";
+}
+
 }  // namespace
 
 std::string camera_error_text(int code) {
@@ -146,7 +154,7 @@ mtp_device_h CameraService::find(int bus, int device) const {
         }
     }
     if (fitting.empty()) {
-        throw CommandError(ExitStatus::RequestFailed, "there is no such camera; see qra camera list");
+        throw CommandError(ExitStatus::RequestFailed, missing_camera(bus, device));
     }
     if (fitting.size() > 1) {
         throw CommandError(ExitStatus::Usage,

@@ -45,6 +45,9 @@ The other options choose the list, as for `qra list`.
 /// What parses "3-7,12" for the option or argument `name`, and adds it to `choices`.
 std::function<void(const std::string&)> choice_reader(std::vector<TileChoice>& choices, const char* name);
 
+/// The option that names a content type which the library knows.
+void add_content_option(CLI::App& command, ListOptions& list, const char* help);
+
 /// A folder of a media server, or without one the whole server in the order of the sort category.
 void prepare_server_list(const CLI::App& command, ListOptions& list);
 

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <vector>
 
 #include "apps/qra/command_arguments.h"
 #include "apps/qra/commands.h"
@@ -28,6 +29,17 @@ std::string version_text() {
     return "qra " + std::to_string(QRA_CONTENT_AGENT_VERSION_MAJOR) + "." +
            std::to_string(QRA_CONTENT_AGENT_VERSION_MINOR) + "." +
            std::to_string(QRA_CONTENT_AGENT_VERSION_PATCH);
+}
+
+/// Prints the help that was asked for, or what is wrong with the command line.
+ExitStatus tell(const CLI::App& app, const CLI::ParseError& error) {
+    const std::vector<std::string> words = app.remaining(true);
+    const bool has_no_command = std::string(error.what()) == CLI::RequiredError::Subcommand(1).what();
+    if (has_no_command && !words.empty()) {
+        app.exit(CLI::ValidationError(words.front(), "there is no such command or option"));
+        return ExitStatus::Usage;
+    }
+    return app.exit(error) == 0 ? ExitStatus::Success : ExitStatus::Usage;
 }
 
 }  // namespace
@@ -89,7 +101,7 @@ std::optional<ExitStatus> parse_command_line(int argc, char** argv, CommandLine&
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? ExitStatus::Success : ExitStatus::Usage;
+        return tell(app, error);
     }
     if (command_line.list.uhd && command_line.list.extension == default_extensions(false)) {
         command_line.list.extension = default_extensions(true);

@@ -48,7 +48,7 @@ CLI::App* add_server_command(CLI::App& dlna, CommandLine& line, const char* name
     added->add_option("--folder-id", line.list.folder_id,
                       "The ID_QRA of a folder, / for the top; without it the whole server");
     added->add_option("--sort", line.list.sort_category, "Sort category of the list")->capture_default_str();
-    added->add_option("--content", line.list.content_type, "Content type of the list")->capture_default_str();
+    add_content_option(*added, line.list, "Content type of the list");
     added->add_option("--keyword", line.list.keyword, "What CATEGORY-KEYWORD-SEARCH looks for");
     added->add_flag("--json", line.json, "JSON objects, one on a line");
     added->callback([&line, added, command] {

@@ -141,13 +141,17 @@ void run_check_device(const CommandLine& line) {
 }
 
 void run_thumbs(const CommandLine& line) {
+    const std::string content_type = full_content_type(line.devices.content_type);
+    if (!is_content_type(content_type)) {
+        throw CommandError(ExitStatus::Usage,
+                           "--content: there is no content type " + printable_text(content_type));
+    }
     const EngineAccess engine;
     const MainLoopThread loop;
     AnswerQueue<std::string> answers;
     std::string answer;
     {
-        const ThumbRequest request(find_media_path(line.path), full_content_type(line.devices.content_type),
-                                   line.devices.count, answers);
+        const ThumbRequest request(find_media_path(line.path), content_type, line.devices.count, answers);
         answer = answers.next_within(std::chrono::seconds(line.devices.timeout));
     }
     if (line.json) {

@@ -33,7 +33,11 @@ const char* state_of(const Drive& drive) {
 void run_attach(const CommandLine& line) {
     MediaDrives drives;
     const std::string path = drives.attach(readable_directory(line.path), line.drive_name);
-    print(drives.drive_of(path).name + "\n");
+    const std::string name = drives.drive_of(path).name;
+    if (!line.drive_name.empty() && name != line.drive_name) {
+        print_note(shown_path(line.path) + " lies on " + name + " already, which keeps its name");
+    }
+    print(name + "\n");
 }
 
 void run_detach(const CommandLine& line) {

@@ -27,16 +27,48 @@ constexpr int kActFailed = 7;
                        refused ? text : "the content engine does not answer: " + text);
 }
 
-}  // namespace
+struct Unref {
+    void operator()(GDBusConnection* bus) const { g_object_unref(bus); }
+    void operator()(GVariant* value) const { g_variant_unref(value); }
+};
+using Variant = std::unique_ptr<GVariant, Unref>;
 
-ItemActs::ItemActs(const std::string& account, Completions& completions) : completions_(completions) {
+GDBusConnection* system_bus() {
     GError* error = nullptr;
-    bus_.reset(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, &error));
-    if (!bus_) {
+    GDBusConnection* bus = g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, &error);
+    if (bus == nullptr) {
         fail(error);
     }
-    const Variant reply = call("connect", g_variant_new("(s)", account.c_str()), "(u)");
-    g_variant_get(reply.get(), "(u)", &id_);
+    return bus;
+}
+
+Variant call(GDBusConnection* bus, const char* method, GVariant* arguments, const char* reply_type) {
+    GError* error = nullptr;
+    Variant reply(g_dbus_connection_call_sync(bus, kEngineName, kPath, kEngineName, method, arguments,
+                                              G_VARIANT_TYPE(reply_type), G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
+                                              &error));
+    if (!reply) {
+        fail(error);
+    }
+    return reply;
+}
+
+guint32 connect(GDBusConnection* bus, const std::string& account) {
+    const Variant reply = call(bus, "connect", g_variant_new("(s)", account.c_str()), "(u)");
+    guint32 id = 0;
+    g_variant_get(reply.get(), "(u)", &id);
+    return id;
+}
+
+void disconnect(GDBusConnection* bus, guint32 id) {
+    g_dbus_connection_call(bus, kEngineName, kPath, kEngineName, "disconnect", g_variant_new("(u)", id),
+                           nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
+}
+
+}  // namespace
+
+ItemActs::ItemActs(const std::string& account, Completions& completions)
+    : completions_(completions), bus_(system_bus()), id_(connect(bus_.get(), account)) {
     subscription_ = g_dbus_connection_signal_subscribe(
         bus_.get(), kEngineName, kEngineName, "qra_request_normal_complete", kPath, nullptr,
         G_DBUS_SIGNAL_FLAGS_NONE, on_complete, &completions_, nullptr);
@@ -44,15 +76,13 @@ ItemActs::ItemActs(const std::string& account, Completions& completions) : compl
 
 ItemActs::~ItemActs() {
     g_dbus_connection_signal_unsubscribe(bus_.get(), subscription_);
-    g_dbus_connection_call(bus_.get(), kEngineName, kPath, kEngineName, "disconnect",
-                           g_variant_new("(u)", id_), nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr,
-                           nullptr, nullptr);
+    disconnect(bus_.get(), id_);
 }
 
 void ItemActs::perform(Json::Value request, std::chrono::seconds longest_wait) {
     const std::unique_ptr<char, decltype(&g_free)> number(g_uuid_string_random(), &g_free);
     request[kRequestKey] = number.get();
-    call("request_act", g_variant_new("(uss)", id_, "", json_text(request).c_str()), "()");
+    call(bus_.get(), "request_act", g_variant_new("(uss)", id_, "", json_text(request).c_str()), "()");
     for (;;) {
         const Json::Value answer = read_json_object(completions_.next_within(longest_wait));
         const bool is_ours = answer[kRequestKey] == number.get();
@@ -77,13 +107,16 @@ void ItemActs::on_complete(GDBusConnection*, const char*, const char*, const cha
     }
 }
 
-ItemActs::Variant ItemActs::call(const char* method, GVariant* arguments, const char* reply_type) const {
-    GError* error = nullptr;
-    Variant reply(g_dbus_connection_call_sync(bus_.get(), kEngineName, kPath, kEngineName, method, arguments,
-                                              G_VARIANT_TYPE(reply_type), G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
-                                              &error));
-    if (!reply) {
-        fail(error);
+void fail_refused_account(const std::string& account) {
+    const std::unique_ptr<GDBusConnection, Unref> bus(system_bus());
+    std::string reason;
+    try {
+        disconnect(bus.get(), connect(bus.get(), account));
+    } catch (const CommandError& error) {
+        reason = std::string(": ") + error.what();
+        reason.erase(reason.find_last_not_of('.') + 1);
     }
-    return reply;
+    throw CommandError(ExitStatus::RequestFailed, "the content engine does not take the account " +
+                                                      printable_text(account) + reason +
+                                                      "; `qra account list` shows yours");
 }

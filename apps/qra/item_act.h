@@ -30,18 +30,18 @@ public:
 private:
     struct Unref {
         void operator()(GDBusConnection* bus) const { g_object_unref(bus); }
-        void operator()(GVariant* value) const { g_variant_unref(value); }
     };
-    using Variant = std::unique_ptr<GVariant, Unref>;
 
     static void on_complete(GDBusConnection* bus, const char* sender, const char* path, const char* interface,
                             const char* signal, GVariant* arguments, gpointer completions);
-    Variant call(const char* method, GVariant* arguments, const char* reply_type) const;
 
     Completions& completions_;
     std::unique_ptr<GDBusConnection, Unref> bus_;
     guint subscription_ = 0;
     guint32 id_ = 0;
 };
+
+/// Ends a command on an account that the engine does not take, with the engine's reason.
+[[noreturn]] void fail_refused_account(const std::string& account);
 
 #endif

@@ -1,12 +1,18 @@
+#include <json/value.h>
+
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <climits>
 #include <initializer_list>
+#include <iterator>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "apps/qra/command_arguments.h"
 #include "apps/qra/commands.h"
+#include "apps/qra/json_text.h"
 
 namespace {
 
@@ -14,6 +20,11 @@ constexpr int kMostRowsOrColumns = 1000;
 constexpr const char* kPicturesInARow = "CATEGORY-TITLE";
 constexpr const char* kTopFolder = "0";
 constexpr const char* kServerTop = "/";
+
+constexpr const char* kSearch = "CATEGORY-KEYWORD-SEARCH";
+constexpr std::string_view kExtensionLists[] = {"param_media_extension_image", "param_media_extension_video",
+                                                "param_media_extension_music", "param_media_extension_pvr",
+                                                "param_media_extension_uhd"};
 
 constexpr const char* kViews =
     R"(Sort categories of one folder: CATEGORY-FOLDER-TITLE, CATEGORY-FOLDER-DATE, CATEGORY-FOLDER,
@@ -25,10 +36,28 @@ CONTENT-PVR-UNWATCHED, CONTENT-PVR-SCHEDULED, CONTENT-360IMAGE, CONTENT-360VIDEO
 
 )";
 
+/// The library takes a text that it does not understand, and lists that are not named, for empty lists.
+std::string extension_problem(const std::string& text) {
+    if (text.empty()) {
+        return {};
+    }
+    const Json::Value lists = read_json_object(text);
+    if (lists.isNull()) {
+        return "is no JSON object";
+    }
+    for (const std::string& name : lists.getMemberNames()) {
+        const auto* const known = std::find(std::begin(kExtensionLists), std::end(kExtensionLists), name);
+        if (known == std::end(kExtensionLists)) {
+            return "there is no list " + name;
+        }
+    }
+    return {};
+}
+
 void add_request_options(CLI::App& command, CommandLine& line) {
     ListOptions& list = line.list;
     command.add_option("--source", list.source, "Source of the list")->capture_default_str();
-    command.add_option("--content", list.content_type, "Content type")->capture_default_str();
+    add_content_option(command, list, "Content type");
     command.add_option("--sort", list.sort_category, "Sort category")->capture_default_str();
     command.add_option("--mask", list.mask,
                        "What the page shows: 2 folders, 4 media, 8 groups, 16 playlists, "
@@ -49,7 +78,8 @@ void add_request_options(CLI::App& command, CommandLine& line) {
                                           "Fill order of a page; sources of this machine always use column")
         ->check(CLI::IsMember({"row", "column"}));
     command.add_option("--keyword", list.keyword, "What CATEGORY-KEYWORD-SEARCH looks for");
-    command.add_option("--extension", list.extension, "File extensions of each content type, as JSON");
+    command.add_option("--extension", list.extension, "File extensions of each content type, as JSON")
+        ->check(CLI::Validator(extension_problem, "", ""));
     command.add_flag("--uhd", list.uhd, "With UHD content and packaged films");
     command.add_flag_callback(
         "--no-scan", [&line] { line.scan_first = false; },
@@ -85,7 +115,15 @@ void check_remote_list(const CLI::App& command, CommandLine& line) {
     line.list.mask = line.list.source == kCloudSource ? kFoldersAndMedia : kMedia;
 }
 
-void check_local_list(const CLI::App& command) {
+/// No other view of a drive or a media server looks at the keyword.
+void check_keyword(const CLI::App& command, const ListOptions& list) {
+    if (list.sort_category != kSearch) {
+        refuse(command, {"--keyword"}, "only with --sort CATEGORY-KEYWORD-SEARCH");
+    }
+}
+
+void check_local_list(const CLI::App& command, const ListOptions& list) {
+    check_keyword(command, list);
     if (command.count("PATH") == 0) {
         throw CLI::RequiredError("PATH");
     }
@@ -136,6 +174,7 @@ void check_server_list(const CLI::App& command, ListOptions& list) {
     }
     refuse(command, {"--plugin", "--timeout", "--uhd", "--no-scan", "--bus", "--device"},
            "not for lists of media servers");
+    check_keyword(command, list);
     prepare_server_list(command, list);
 }
 
@@ -166,7 +205,7 @@ void check_list(const CLI::App& command, CommandLine& line) {
         return check_server_list(command, line.list);
     }
     refuse(command, {"--bus", "--device", "--folder-id"}, "only for lists of cameras and media servers");
-    is_source_of_this_machine(line.list.source) ? check_local_list(command)
+    is_source_of_this_machine(line.list.source) ? check_local_list(command, line.list)
                                                 : check_remote_list(command, line);
 }
 
@@ -201,7 +240,8 @@ void add_item_options(CLI::App& command, CommandLine& line, void (*run)(const Co
 }
 
 /// A job works on the lists of drives alone; the name of their source is all that the hidden option takes.
-void check_job_source(const CommandLine& line) {
+void check_job_list(const CLI::App& command, const CommandLine& line) {
+    check_keyword(command, line.list);
     if (line.list.source != kDriveSource) {
         throw CLI::ValidationError(
             "--source",
@@ -268,7 +308,10 @@ void add_get_command(CLI::App& app, CommandLine& line) {
     get->add_option("INDEX", line.index, "List index of the tile")->required();
     get->add_option("FIELD", line.fields, "Names such as TITLE, FILE_PATH, WIDTH")->required();
     get->add_flag("--json", line.json, "One JSON object with all values");
-    get->callback([&line] { line.command = run_get; });
+    get->callback([&line, get] {
+        check_keyword(*get, line.list);
+        line.command = run_get;
+    });
 }
 
 void add_job_commands(CLI::App& app, CommandLine& line) {
@@ -278,18 +321,27 @@ void add_job_commands(CLI::App& app, CommandLine& line) {
     copy->add_option("--to", line.job.target,
                      "The folder; copies go to PHOTO, VIDEO, MUSIC and CONTENTS (recordings) in it")
         ->required();
-    copy->callback([&line] {
-        check_job_source(line);
+    copy->callback([&line, copy] {
+        check_job_list(*copy, line);
         line.command = run_copy;
     });
 
     CLI::App* remove = app.add_subcommand("delete", "Delete the files of chosen tiles; asks first");
     add_job_options(*remove, line);
     remove->add_flag("--yes", line.job.yes, "Do not ask");
-    remove->callback([&line] {
-        check_job_source(line);
+    remove->callback([&line, remove] {
+        check_job_list(*remove, line);
         line.command = run_delete;
     });
+}
+
+void add_content_option(CLI::App& command, ListOptions& list, const char* help) {
+    const auto problem = [](const std::string& name) {
+        return is_content_type(name) ? "" : "there is no content type " + name;
+    };
+    command.add_option("--content", list.content_type, help)
+        ->check(CLI::Validator(problem, "", ""))
+        ->capture_default_str();
 }
 
 std::function<void(const std::string&)> choice_reader(std::vector<TileChoice>& choices, const char* name) {

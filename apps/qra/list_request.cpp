@@ -6,11 +6,13 @@
 #include <memory>
 #include <string_view>
 
+#include "apps/qra/camera.h"
 #include "apps/qra/exit_status.h"
 #include "apps/qra/interrupt.h"
 #include "apps/qra/request_error.h"
 #include "apps/qra/request_params.h"
 #include "apps/qra/server_questions.h"
+#include "apps/qra/terminal_text.h"
 
 namespace {
 
@@ -31,7 +33,33 @@ GeneralParam list_param(const ListOptions& options, const std::string& path) {
     return param;
 }
 
+/// What a list that failed was to be. The library tells no more than that it failed.
+[[noreturn]] void fail_list(const ListOptions& options, const std::string& path) {
+    if (options.source == kPlaylistSource) {
+        throw CommandError(ExitStatus::RequestFailed, "no such playlist, or it is empty");
+    }
+    std::string reason;
+    if (options.source == kServerSource) {
+        reason = list_failure(path, options);
+    } else if (options.source == kCameraSource) {
+        CameraService().find(options.bus, options.device);
+        reason = "the camera does not give it";
+    } else {
+        reason = options.sort_category + " with " + options.content_type + " of " + printable_text(path) +
+                 " (QRA_LOG=warning tells why)";
+    }
+    throw CommandError(ExitStatus::RequestFailed, "the list request failed: " + reason);
+}
+
 }  // namespace
+
+bool is_content_type(const std::string& name) {
+    constexpr std::string_view kTypes[] = {
+        "CONTENT-FOLDER", "CONTENT-IMAGE",         "CONTENT-VIDEO",        "CONTENT-MUSIC",
+        "CONTENT-PVR",    "CONTENT-PVR-SCHEDULED", "CONTENT-360IMAGE",     "CONTENT-360VIDEO",
+        "CONTENT-UHD",    "CONTENT-SCSA",          "CONTENT-PVR-UNWATCHED"};
+    return std::find(std::begin(kTypes), std::end(kTypes), name) != std::end(kTypes);
+}
 
 bool is_source_of_this_machine(const std::string& source) {
     constexpr std::string_view kSources[] = {kDriveSource, kCameraSource, kServerSource, kPlaylistSource};
@@ -45,16 +73,8 @@ ListRequest::ListRequest(const ListOptions& options, const std::string& path) {
         if (event == QRA_EVENT_DLNA_ITEM_NOT_EXIST) {
             throw CommandError(ExitStatus::RequestFailed, "the server has no such folder");
         }
-        if (event == QRA_EVENT_LIST_FAILED && options.source == kPlaylistSource) {
-            throw CommandError(ExitStatus::RequestFailed, "no such playlist, or it is empty");
-        }
-        if (event == QRA_EVENT_LIST_FAILED && options.source == kServerSource) {
-            throw CommandError(ExitStatus::RequestFailed,
-                               "the list request failed: " + list_failure(path, options));
-        }
         if (event == QRA_EVENT_LIST_FAILED) {
-            throw CommandError(ExitStatus::RequestFailed,
-                               "the list request failed (QRA_LOG=warning tells why)");
+            fail_list(options, path);
         }
         lay_out(options);
     } catch (...) {

@@ -30,6 +30,9 @@ struct ListOptions {
     int columns = 9;
 };
 
+/// Whether the library knows a content type of this name. It takes any other for one that no media are of.
+bool is_content_type(const std::string& name);
+
 /// What a page shows, as its mask tells.
 inline constexpr int kMedia = 0x04;
 inline constexpr int kFoldersAndMedia = 0x06;

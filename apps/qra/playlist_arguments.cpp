@@ -48,7 +48,7 @@ void add_playlist_commands(CLI::App& app, CommandLine& line) {
     add->add_option_function<std::string>("--select", choice_reader(options.positions, "--select"),
                                           "Its tiles, as for `qra copy`")
         ->trigger_on_parse();
-    add->add_option("--content", line.list.content_type, "Content type of the list")->capture_default_str();
+    add_content_option(*add, line.list, "Content type of the list");
     add->add_option("--sort", line.list.sort_category, "Sort category of the list")->capture_default_str();
 
     CLI::App* remove =

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "apps/qra/exit_status.h"
+#include "apps/qra/item_act.h"
 #include "apps/qra/json_text.h"
 #include "apps/qra/output.h"
 #include "apps/qra/request_error.h"
@@ -73,9 +74,7 @@ void RemoteList::send(const ListOptions& options, const RemoteFolder& folder) {
     check("list request", qra_param_set_general_window_size(param.get(), kItemsOfSection));
     const qra_error_code_e code = qra_request_list_v2(param.get(), on_list, this, &handle_);
     if (code == QRA_ERROR_ENGINE && engine_runs()) {
-        throw CommandError(ExitStatus::RequestFailed, "the content engine does not take the account " +
-                                                          printable_text(folder.plugin) +
-                                                          "; `qra account list` shows yours");
+        fail_refused_account(folder.plugin);
     }
     check("list request", code);
     engine_watch_.emplace(answers_);

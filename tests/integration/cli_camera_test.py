@@ -107,7 +107,9 @@ class CameraListTest(CameraTest):
         self.plug(name="first", device=5)
         self.plug(name="second", device=6)
         self.assert_fails(USAGE, "--device", "camera", "files")
-        self.assert_fails(FAILED, "no such camera", "camera", "files", "--device", "9")
+        self.assert_fails(FAILED, "no such camera: bus 3 device 9;", "list", "--source", "SOURCE_PTP", "--bus", "3",
+                          "--device", "9")
+        self.assert_fails(FAILED, "no such camera: device 9;", "camera", "files", "--device", "9")
         self.assertIn("top.png", self.stdout("camera", "files", "--bus", "1", "--device", "6"))
 
     def test_cameras_are_devices_and_go(self):
@@ -170,7 +172,7 @@ class CameraGetTest(CameraTest):
         result = self.qra("camera", "get", *ids, "--to", str(self.target), status=FAILED)
         self.assertIn("film.mp4: the camera was pulled out", result.stderr.decode())
         self.assertEqual(["top.png"], self.copied())
-        self.assert_fails(FAILED, "no such camera", "camera", "files")
+        self.assert_fails(FAILED, "no camera is connected", "camera", "files")
 
     def test_thumbnails_are_files_too(self):
         self.plug()

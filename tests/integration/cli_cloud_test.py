@@ -249,7 +249,11 @@ class FailureTest(CloudToolTest):
         self.assert_list_fails(FAILED, "404", "--plugin", "cloud", "Nowhere")
 
     def test_unknown_account_is_told(self):
-        self.assert_list_fails(FAILED, "account nobody", "--plugin", "nobody")
+        self.assert_list_fails(FAILED, "account nobody: there is no account nobody", "--plugin", "nobody")
+
+    def test_account_of_a_kind_that_the_engine_does_not_know_is_told(self):
+        self.qra("account", "add", "old", "--plugin", "gopher", "--address", "http://127.0.0.1:1/")
+        self.assert_list_fails(FAILED, "account old: The engine knows no service of the kind gopher", "--plugin", "old")
 
     def test_missing_engine_is_told(self):
         self.add_account("cloud", "http://127.0.0.1:1/")

@@ -24,7 +24,8 @@ class UsageTest(ToolTest):
 
     def test_wrong_arguments_are_a_usage_error(self):
         for arguments in (["devices", "--type", "tape"], ["check-device"], ["check-device", ".", "--timeout", "0"],
-                          ["thumbs"], ["thumbs", ".", "--count", "0"]):
+                          ["thumbs"], ["thumbs", ".", "--count", "0"],
+                          ["thumbs", ".", "--content", "smell"]):
             with self.subTest(arguments):
                 self.assert_fails(USAGE, ".", *arguments)
 
