@@ -51,8 +51,10 @@ CQRADLNAWrapper::EAnswer CQRADLNAWrapper::m_OnFeatures(Request&, const nbl_featu
         return ANSWER_DROPPED;
     }
     const int nFeatures = nError == NBL_ERROR_NONE ? response.length : 0;
-    const bool bFound = std::any_of(response.features, response.features + nFeatures,
-                                    [this](nbl_feature_t feature) { return m_HasContainer(feature); });
+    bool bFound = false;
+    for (int i = 0; i < nFeatures && !bFound; ++i) {
+        bFound = m_HasContainer(response.features[i]);
+    }
     if (!bFound) {
         QRA_LOG_WARNING(QRA_TAG_DLNA, "DLNA-SOURCE: GetFeatureList failed.");
         m_nError = DLNA_ERROR_FAILED;
