@@ -36,8 +36,8 @@ int kept_position_of(const nbl_item_s& item);
 
 /**
  * Keeps the position of an item: at the server, where it announces an action for that, else in
- * kept_positions(). A server that refuses, or has gone, is one that keeps none; so is one that has not answered
- * when the service ends.
+ * kept_positions(). A server that refuses, or has gone, is one that keeps none; so is one that has not
+ * answered when the service ends.
  */
 class BookmarkRequest : public Request {
 public:

@@ -18,8 +18,8 @@ class ItemBuilder;
  * An item: an immutable record of properties in one piece of memory, with a reference count.
  *
  * A property is a name and a text, as a server gave it ("dc:title", "@id", "res@size") or as the service adds
- * it ("#thumbnail"). Names that are common take one byte. A record may be read and its references be taken and
- * given back on any thread.
+ * it ("#thumbnail"). Names that are common take one byte. A record may be read and its references be taken
+ * and given back on any thread.
  */
 struct nbl_item_s final {
 public:
