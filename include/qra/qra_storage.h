@@ -70,7 +70,7 @@ typedef unsigned int qra_storage_device_type;
 /** @} */
 
 /** The file system of a drive. */
-typedef enum {
+typedef enum QRA_ENUM_BASE {
     QRA_FILE_SYSTEM_NONE = 0, /**< nothing is said of it: an optical drive's record */
     QRA_FILE_SYSTEM_VFAT = 1,
     QRA_FILE_SYSTEM_EXT4 = 2,
@@ -79,7 +79,7 @@ typedef enum {
 } FileSystem;
 
 /** The kind of a device. */
-typedef enum {
+typedef enum QRA_ENUM_BASE {
     QRA_DEVICE_CLASS_MSC = 0, /**< a drive */
     QRA_DEVICE_CLASS_PTP = 1, /**< a camera or a phone */
     QRA_DEVICE_CLASS_OTHER = 3
@@ -105,7 +105,7 @@ typedef struct _qra_storage_list_s* qra_storage_list_h; /**< a list of records *
 typedef void (*qra_storage_cb)(void* pUserData, int nEvent, qra_storage_h pStorage);
 
 /** How the connection to the home network service stands. */
-typedef enum {
+typedef enum QRA_ENUM_BASE {
     QRA_NBL_SERVICECONNECTOR_DISABLED = 0, /**< it has ended */
     QRA_NBL_SERVICECONNECTOR_ENABLED = 1,  /**< it is there: media servers can be listed and opened */
     QRA_NBL_SERVICECONNECTOR_FAILED = 2    /**< this host has no home network service */

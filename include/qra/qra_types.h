@@ -24,12 +24,19 @@
 /** Marks what the shared library exports. */
 #define QRA_API __attribute__((visibility("default")))
 
+/** Lets an enumeration take every int in C++ too: a client may pass a number that no enumerator has. */
+#ifdef __cplusplus
+#define QRA_ENUM_BASE : int
+#else
+#define QRA_ENUM_BASE
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif
 
 /** What every exported function answers, but for the few that say otherwise. */
-typedef enum {
+typedef enum QRA_ENUM_BASE {
     QRA_ERROR_NONE = 0,
     QRA_ERROR_INVALID_HANDLE = 1, /**< no live handle, or one of another kind */
     QRA_ERROR_INVALID_PARAM = 2,
@@ -49,7 +56,7 @@ typedef enum {
 } qra_error_code_e;
 
 /** The event of a client callback. */
-typedef enum {
+typedef enum QRA_ENUM_BASE {
     QRA_EVENT_LIST_SUCCESS = 0, /**< the list request finished; its content is there */
     QRA_EVENT_LIST_FAILED = 1,
     QRA_EVENT_LIST_EMPTY = 2,  /**< the engine answered with an empty list */
@@ -71,7 +78,7 @@ typedef enum {
 } qra_event_e;
 
 /** The item field "MEDIA_TYPE". */
-typedef enum {
+typedef enum QRA_ENUM_BASE {
     QRA_MEDIA_TYPE_FOLDER = 1,
     QRA_MEDIA_TYPE_IMAGE = 2,
     QRA_MEDIA_TYPE_VIDEO = 3,
@@ -88,16 +95,16 @@ typedef enum {
 } qra_media_type_e;
 
 /** What the cursor walks. */
-typedef enum {
+typedef enum QRA_ENUM_BASE {
     QRA_NAVIGATION_TYPE_ALL = 0,     /**< the page */
     QRA_NAVIGATION_TYPE_SELECTED = 1 /**< the selection */
 } qra_navigation_e;
 
 /** Whether tiles fill a page row by row or column by column. */
-typedef enum { QRA_PAGE_ORDER_ROW = 0, QRA_PAGE_ORDER_COLUMN = 1 } qra_page_order_e;
+typedef enum QRA_ENUM_BASE { QRA_PAGE_ORDER_ROW = 0, QRA_PAGE_ORDER_COLUMN = 1 } qra_page_order_e;
 
 /** What stands at a position of the page. */
-typedef enum {
+typedef enum QRA_ENUM_BASE {
     QRA_PG_ITEM_NONE = 0,
     QRA_PG_ITEM_EMPTY = 1,
     QRA_PG_ITEM_CONTENTS = 2,
@@ -107,7 +114,7 @@ typedef enum {
 } qra_page_item_type_e;
 
 /** What a batch job does. */
-typedef enum {
+typedef enum QRA_ENUM_BASE {
     QRA_PROCESSOR_TYPE_DELETE = 1,
     QRA_PROCESSOR_TYPE_COPY = 2,
     QRA_PROCESSOR_TYPE_DLNA = 4,
@@ -119,13 +126,13 @@ typedef enum {
 } qra_processor_type_e;
 
 /** What becomes of a file that a stopped batch job has copied in part. */
-typedef enum {
+typedef enum QRA_ENUM_BASE {
     QRA_STOP_TYPE_REMOVE = 0,
     QRA_STOP_TYPE_KEEP = 1 /**< any other value removes it */
 } qra_stop_type_e;
 
 /** The kind of a batch job's device. */
-typedef enum {
+typedef enum QRA_ENUM_BASE {
     QRA_DEV_TYPE_DEFAULT = 0,
     QRA_DEV_TYPE_DLNA = 2,
     QRA_DEV_TYPE_PTP = 3,

@@ -282,6 +282,42 @@ TEST(HostileInput, AgentFunctionsSurviveNullsAndEmptyTextsOnAPage) {
     for_each_function(AgentFunctions<NullArgumentProbe>{probe});
 }
 
+// A C client may put any number into an enumeration.
+TEST(HostileInput, NumbersThatNoEnumerationHasAreAnsweredWithACode) {
+    const MediaDrive drive;
+    const ListRequest request(drive.path());
+    request.set_page_style();
+    int tiles = 0;
+    ASSERT_EQ(QRA_ERROR_NONE, qra_get_item_count_v2(request.handle(), &tiles));
+    for (const int number : {2, 33, 255, INT32_MAX, -1, INT32_MIN}) {
+        const auto navigation = static_cast<qra_navigation_e>(number);
+        EXPECT_EQ(QRA_ERROR_NONE, qra_set_navigation_v2(request.handle(), navigation));
+        auto kept_navigation = QRA_NAVIGATION_TYPE_ALL;
+        EXPECT_EQ(QRA_ERROR_NONE, qra_get_navigation_v2(request.handle(), &kept_navigation));
+        EXPECT_EQ(navigation, kept_navigation);
+        int count = 0;
+        EXPECT_EQ(QRA_ERROR_NONE, qra_get_item_count_v2(request.handle(), &count));
+        EXPECT_EQ(tiles, count) << "only the selection's own number counts the selection";
+        EXPECT_EQ(QRA_ERROR_INVALID_PARAM,
+                  qra_get_item_count_by_type_v2(request.handle(), QRA_MEDIA_TYPE_IMAGE, &count));
+        EXPECT_EQ(QRA_ERROR_NONE, qra_set_navigation_v2(request.handle(), QRA_NAVIGATION_TYPE_ALL));
+
+        EXPECT_EQ(QRA_ERROR_NONE, qra_get_item_count_by_type_v2(
+                                      request.handle(), static_cast<qra_media_type_e>(number ^ 64), &count));
+        EXPECT_EQ(tiles, count) << "an unknown kind leaves the variable";
+
+        const Param<qra_page_style_s> style;
+        const auto order = static_cast<qra_page_order_e>(number);
+        EXPECT_EQ(QRA_ERROR_NONE, qra_param_set_page_style_order(style, order));
+        auto kept_order = QRA_PAGE_ORDER_ROW;
+        EXPECT_EQ(QRA_ERROR_NONE, qra_param_get_page_style_order(style, &kept_order));
+        EXPECT_EQ(order, kept_order);
+        qra_param_set_page_style_mask(style, 0x26);
+        qra_param_set_page_style_group_index(style, -1);
+        EXPECT_EQ(QRA_ERROR_NONE, qra_set_page_style_v2(request.handle(), style)) << "always in columns";
+    }
+}
+
 struct RecordProbe {
     int& functions;
 
