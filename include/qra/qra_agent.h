@@ -619,7 +619,7 @@ QRA_API qra_error_code_e qra_deselect_group_v2(qra_agent_handler_h hAgent, int n
  * Hands the selection to another process or a later request: writes it to a shared memory object and gives a
  * JSON text that names it. The text goes into a later request with qra_param_set_general_prepare_data(),
  * which loads the selection and removes the object. A text that is never used leaves its object behind until
- * the system restarts. Two threads must not call this at once, on any handle. The objects are counted from 1
+ * the system restarts. Two threads may call this at once on different handles. The objects are counted from 1
  * in each process ("qra_selectedlist_1"): two processes that hand on selections write over each other's, and
  * an object that cannot be made, as the other's belongs to another user or there is no room, ends the
  * process.
