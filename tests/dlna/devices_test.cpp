@@ -147,13 +147,18 @@ TEST_F(DevicesTest, UsesTheSameProviderForAServerThatComesBackElsewhere) {
     server.reset();
     MediaServer again({"--port=" + std::to_string(port + 1)});
     again.generate("p", "image", 3);
-    // Until the service has heard of the new address it asks the old one.
-    Reply reply;
-    ASSERT_TRUE(wait_for_return(kFirstId));
-    browse(provider, "p", 0, 200, reply);
+    // Until the service has heard of the new address it asks the old one. What it tells of the move depends
+    // on whether the goodbye that a server begins with comes to it by itself.
+    size_t items = 0;
+    EXPECT_TRUE(comes_true([&] {
+        Reply reply;
+        browse(provider, "p", 0, 200, reply);
+        const int error = reply.wait();
+        items = reply.items.size();
+        return error == NBL_ERROR_NONE;
+    }));
 
-    EXPECT_EQ(reply.wait(), NBL_ERROR_NONE);
-    EXPECT_THAT(reply.items, SizeIs(3));
+    EXPECT_EQ(items, 3U);
     EXPECT_EQ(wait_for(), provider);
     EXPECT_THAT(devices(), SizeIs(1));
 }

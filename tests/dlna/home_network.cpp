@@ -250,13 +250,6 @@ bool HomeNetworkTest::wait_for_event(int event, const std::string& device_id, in
     return signal_.wait([&] { return count_events(event, device_id) >= times; });
 }
 
-bool HomeNetworkTest::wait_for_return(const std::string& device_id) {
-    return signal_.wait([&] {
-        return count_events(NBL_DEVICE_EVENT_CHANGED, device_id) > 0 ||
-               count_events(NBL_DEVICE_EVENT_ADDED, device_id) > 1;
-    });
-}
-
 int HomeNetworkTest::browse(nbl_provider_t provider, const std::string& id, int start, int count,
                             Reply& reply) {
     nbl_item_t folder = nullptr;

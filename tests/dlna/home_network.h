@@ -125,8 +125,6 @@ protected:
     nbl_provider_t wait_for(const std::string& device_id = kFirstId);
     bool wait_until_gone(const std::string& device_id = kFirstId);
     bool wait_for_event(int event, const std::string& device_id, int times = 1);
-    /// Waits until the device was added again, or has changed.
-    bool wait_for_return(const std::string& device_id);
     int events(int event, const std::string& device_id);
 
     // The requests; without a reply they wait and give the answer's error.
