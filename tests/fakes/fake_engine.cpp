@@ -45,6 +45,12 @@ std::string print(GVariant* value) {
     return result;
 }
 
+/// Takes the reply over.
+void send(GDBusConnection* connection, GDBusMessage* reply) {
+    g_dbus_connection_send_message(connection, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
+    g_object_unref(reply);
+}
+
 }  // namespace
 
 FakeEngine::FakeEngine() {
@@ -75,6 +81,9 @@ FakeEngine::~FakeEngine() {
     // Orders what the filter wrote before what follows also for the thread sanitizer, which does not see
     // GLib's locks.
     const std::lock_guard<std::mutex> lock(mutex_);
+    for (GDBusMessage* const reply : held_replies_) {
+        g_object_unref(reply);
+    }
 }
 
 void FakeEngine::answer(const std::string& method, std::vector<std::string> replies) {
@@ -107,6 +116,23 @@ void FakeEngine::send_signal_of(const std::string& method) {
     }
 }
 
+void FakeEngine::hold(const std::string& method) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    held_method_ = method;
+}
+
+void FakeEngine::release() {
+    std::vector<GDBusMessage*> replies;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        held_method_.clear();
+        replies.swap(held_replies_);
+    }
+    for (GDBusMessage* const reply : replies) {
+        send(connection_, reply);
+    }
+}
+
 std::vector<FakeEngine::Call> FakeEngine::calls() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     return calls_;
@@ -135,13 +161,14 @@ GDBusMessage* FakeEngine::on_message(GDBusConnection* connection, GDBusMessage* 
     if (!is_call) {
         return message;
     }
-    GDBusMessage* const reply = static_cast<FakeEngine*>(user_data)->reply_to(message);
-    g_dbus_connection_send_message(connection, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
-    g_object_unref(reply);
+    if (GDBusMessage* const reply = static_cast<FakeEngine*>(user_data)->reply_to(message)) {
+        send(connection, reply);
+    }
     g_object_unref(message);
     return nullptr;
 }
 
+/// Null while the answer is kept back.
 GDBusMessage* FakeEngine::reply_to(GDBusMessage* call) {
     const std::string method = g_dbus_message_get_member(call);
     const std::string text = take_reply(method);
@@ -157,6 +184,10 @@ GDBusMessage* FakeEngine::reply_to(GDBusMessage* call) {
     const std::lock_guard<std::mutex> lock(mutex_);
     calls_.push_back({method, print(g_dbus_message_get_body(call))});
     called_.notify_all();
+    if (method == held_method_) {
+        held_replies_.push_back(reply);
+        return nullptr;
+    }
     return reply;
 }
 

@@ -40,6 +40,10 @@ public:
     /// Sends a signal just before each answer to `method`, as an engine does that is done at once.
     void emit_with_reply(const std::string& method, const std::string& signal, const std::string& parameters);
 
+    /// Keeps the answers to `method` back until release(); the calls count as they come.
+    void hold(const std::string& method);
+    void release();
+
     /// What was called so far, in the order in which it came.
     std::vector<Call> calls() const;
 
@@ -62,6 +66,8 @@ private:
     std::map<std::string, std::vector<std::string>> replies_;             ///< under mutex_
     std::map<std::string, std::pair<std::string, std::string>> signals_;  ///< by method; under mutex_
     std::vector<Call> calls_;                                             ///< under mutex_
+    std::string held_method_;                                             ///< under mutex_
+    std::vector<GDBusMessage*> held_replies_;                             ///< owned; under mutex_
 };
 
 #endif

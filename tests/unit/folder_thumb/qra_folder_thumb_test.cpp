@@ -153,14 +153,21 @@ TEST_F(FolderThumbs, TilesWithDifferentExtensionsShareTheFirstOnesQuestion) {
     write("pictures/b.odd");
     scan();
     const std::string odd = R"({"param_media_extension_image":["odd"]})";
+    // The thread that answers waits for the engine until both have asked.
+    Tile elsewhere{path("elsewhere")};
+    Received other;
+    engine.hold("start_scanner_thumb");
+    ASSERT_EQ(elsewhere.request(other), QRA_ERROR_NONE);
+    wait_for_scan();
     Tile first = fresh();
     Tile second = fresh();
     ASSERT_EQ(first.request(received, odd), QRA_ERROR_NONE);
     ASSERT_EQ(second.request(received), QRA_ERROR_NONE);
+    engine.release();
     ASSERT_TRUE(received.wait_for(2));
     EXPECT_EQ(received.all()[0], received.all()[1]);
     EXPECT_TRUE(log.contains("extension[" + odd + "]"));
-    EXPECT_EQ(log.count("extension["), 1);
+    EXPECT_EQ(log.count("path[" + first.path + "]"), 1);
 }
 
 TEST_F(FolderThumbs, ExtensionsOfTheClientDecideWhatIsAPicture) {
