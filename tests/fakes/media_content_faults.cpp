@@ -184,7 +184,7 @@ void hold_scans() {
 
 bool wait_for_scan() {
     std::unique_lock<std::mutex> lock(faults().mutex);
-    return faults().scan_came.wait_for(lock, std::chrono::seconds(10),
+    return faults().scan_came.wait_for(lock, std::chrono::seconds(60),
                                        [] { return faults().scan.callback != nullptr; });
 }
 

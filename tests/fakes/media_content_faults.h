@@ -49,7 +49,7 @@ void give_no_row();
 /// Scans no longer reach the real scanner but wait for answer_scan().
 void hold_scans();
 
-/// Waits for a scan that is held; false if none came within ten seconds.
+/// Waits for a scan that is held; false if none came within a minute.
 bool wait_for_scan();
 
 /// Answers the scan that is held, on this thread. After a last answer it is held no more.

@@ -57,9 +57,9 @@ void on_signal(const char* signal, void* user_data, char* payload) {
     g_received.push_back(std::string(signal) + "|" + static_cast<const char*>(user_data) + "|" + payload);
 }
 
-/// Runs the main loop until as many signals have been received, ten seconds at most.
+/// Runs the main loop until as many signals have been received, a minute at most.
 bool wait_for_signals(size_t count) {
-    const gint64 deadline = g_get_monotonic_time() + 10 * G_TIME_SPAN_SECOND;
+    const gint64 deadline = g_get_monotonic_time() + 60 * G_TIME_SPAN_SECOND;
     const guint wake_up = g_timeout_add(
         50, [](gpointer) -> gboolean { return TRUE; }, nullptr);
     while (g_received.size() < count && g_get_monotonic_time() < deadline) {

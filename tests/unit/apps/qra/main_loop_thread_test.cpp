@@ -18,7 +18,7 @@ TEST(MainLoopThread, RunsTheDefaultContextOnAnotherThread) {
         &ran);
 
     std::future<std::thread::id> thread = ran.get_future();
-    ASSERT_EQ(thread.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+    ASSERT_EQ(thread.wait_for(std::chrono::seconds(60)), std::future_status::ready);
     EXPECT_NE(thread.get(), std::this_thread::get_id());
 }
 

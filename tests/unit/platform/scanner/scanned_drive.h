@@ -28,7 +28,7 @@ public:
             ++answer->finals_;
         }
         answer->changed_.notify_all();
-        answer->changed_.wait_for(lock, std::chrono::seconds(30),
+        answer->changed_.wait_for(lock, std::chrono::seconds(100),
                                   [&] { return !answer->held_ || phase != MEDIA_SCAN_PHASE_PROGRESS; });
     }
 
@@ -42,14 +42,14 @@ public:
     /// Waits for the final report. @return its error, -1 if it does not come
     int wait() {
         std::unique_lock<std::mutex> lock(mutex_);
-        const bool came = changed_.wait_for(lock, std::chrono::seconds(30), [this] { return finals_ > 0; });
+        const bool came = changed_.wait_for(lock, std::chrono::seconds(100), [this] { return finals_ > 0; });
         return came ? error_ : -1;
     }
 
     /// Waits for a report of this phase.
     bool wait_for_phase(int phase) {
         std::unique_lock<std::mutex> lock(mutex_);
-        return changed_.wait_for(lock, std::chrono::seconds(30), [&] {
+        return changed_.wait_for(lock, std::chrono::seconds(100), [&] {
             return std::find(phases_.begin(), phases_.end(), phase) != phases_.end();
         });
     }
