@@ -140,6 +140,16 @@ TEST_F(Faults, WhatIsNoHttpIsTold) {
     }
 }
 
+TEST_F(Faults, AnswersThatOnlySayThatOneIsToComeAreGivenUp) {
+    std::string answers;
+    for (int i = 0; i < 100; ++i) {
+        answers += "HTTP/1.1 102 Processing\r\n\r\n";
+    }
+    server_.on("/dav/", [answers](SoupServerMessage* message) { reply_raw(message, answers); });
+
+    EXPECT_THAT(failure(), HasSubstr("says again and again that its answer is to come"));
+}
+
 TEST_F(Faults, BrokenXmlIsTold) {
     for (const std::string& body :
          {std::string(), std::string("no XML"), answer_of("<D:response></D:href>"),

@@ -36,6 +36,7 @@ constexpr IoReason kIoReasons[] = {
     {G_IO_ERROR_TIMED_OUT, "did not answer in time"},
     {G_IO_ERROR_PARTIAL_INPUT, "broke its answer off"},
     {G_IO_ERROR_CONNECTION_CLOSED, "broke its answer off"},
+    {G_IO_ERROR_CANCELLED, "says again and again that its answer is to come"},
     {G_IO_ERROR_PROXY_FAILED, "is reached through a proxy that fails"},
 };
 

@@ -10,6 +10,7 @@
 #include "engine/plugins/http/http_reason.h"
 #include "engine/src/timer.h"
 #include "platform/support/glib_ptr.h"
+#include "platform/support/preliminary_answers.h"
 
 namespace engine {
 
@@ -239,6 +240,7 @@ MessagePtr HttpTransfer::State::new_message() {
         add_basic(message.get());
     }
     g_signal_connect(message.get(), "authenticate", G_CALLBACK(on_authenticate), this);
+    support::cancel_where_never_answered(message.get(), cancellable_.get());
     return message;
 }
 

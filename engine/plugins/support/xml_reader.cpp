@@ -13,8 +13,10 @@ namespace {
 
 using ContextPtr = std::unique_ptr<xmlParserCtxt, support::Release<xmlFreeParserCtxt>>;
 
-// What the parser takes as an int at once.
-constexpr size_t kLargestPiece = 1 << 20;
+constexpr size_t kLargestPiece = 64 << 10;
+// The parser keeps a tag until it has all of it, and then compares each attribute with all others: at a tag
+// of a megabyte it would be for minutes.
+constexpr ptrdiff_t kLongestTag = 64 << 10;
 
 std::string_view view_of(const xmlChar* text) {
     return text ? reinterpret_cast<const char*>(text) : std::string_view();
@@ -119,6 +121,10 @@ bool XmlReader::read(const char* bytes, size_t size) {
         if (xmlParseChunk(parser_->context.get(), bytes, static_cast<int>(piece), 0) != XML_ERR_OK &&
             !parser_->context->wellFormed) {
             parser_->refuse("its XML is broken");
+        }
+        const xmlParserInput* const input = parser_->context->input;
+        if (!parser_->stopped && input != nullptr && input->end - input->cur > kLongestTag) {
+            parser_->refuse("one of its tags is too long");
         }
         bytes += piece;
         size -= piece;

@@ -34,7 +34,8 @@ public:
  * Reads an XML document from a stranger, piece by piece as it comes.
  *
  * A document type is refused, and with it entities, attribute defaults and everything that makes a parser
- * fetch or expand; elements lie at most kDeepest deep. What it keeps does not grow with the document.
+ * fetch or expand; elements lie at most kDeepest deep, and no tag is longer than 128 KiB. What it keeps does
+ * not grow with the document.
  */
 class XmlReader {
 public:

@@ -14,6 +14,7 @@
 #include "platform/nubelink/host/text.h"
 #include "platform/nubelink/host/worker.h"
 #include "platform/support/glib_ptr.h"
+#include "platform/support/preliminary_answers.h"
 
 namespace nbl {
 
@@ -107,7 +108,7 @@ void Download::State::ask(const std::string& uri) {
     be_patient();
     message_.reset(soup_message_new("GET", uri.c_str()));
     soup_message_add_flags(message_.get(), SOUP_MESSAGE_NO_REDIRECT);
-    cancel_where_never_answered(message_.get(), cancel_.get());
+    support::cancel_where_never_answered(message_.get(), cancel_.get());
     // The file as it is, with its true length.
     soup_message_disable_feature(message_.get(), SOUP_TYPE_CONTENT_DECODER);
     soup_message_headers_replace(soup_message_get_request_headers(message_.get()), "Accept-Encoding",

@@ -5,6 +5,7 @@
 #include "nubelink.h"
 #include "platform/nubelink/host/log.h"
 #include "platform/nubelink/host/worker.h"
+#include "platform/support/preliminary_answers.h"
 
 namespace nbl {
 
@@ -13,17 +14,6 @@ namespace {
 constexpr size_t kPiece = 64 * 1024;
 constexpr int kConnectionsToOneServer = 8;
 constexpr int kConnections = 64;
-
-constexpr unsigned kMostPreliminaryAnswers = 16;
-
-void on_preliminary_answer(SoupMessage* message, GCancellable* cancel) {
-    constexpr char kCount[] = "nubelink-preliminary-answers";
-    const unsigned count = GPOINTER_TO_UINT(g_object_get_data(G_OBJECT(message), kCount)) + 1;
-    g_object_set_data(G_OBJECT(message), kCount, GUINT_TO_POINTER(count));
-    if (count > kMostPreliminaryAnswers) {
-        g_cancellable_cancel(cancel);
-    }
-}
 
 }  // namespace
 
@@ -51,11 +41,6 @@ bool is_web_address(const char* uri) {
 int error_of(const GError* error) {
     const bool over_time = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT);
     return over_time ? NBL_ERROR_TIMEOUT : NBL_ERROR_NETWORK;
-}
-
-void cancel_where_never_answered(SoupMessage* message, GCancellable* cancel) {
-    g_signal_connect_object(message, "got-informational", G_CALLBACK(on_preliminary_answer), cancel,
-                            static_cast<GConnectFlags>(0));
 }
 
 /// Shared by the call and by what libsoup has under way; the latter finds `done_` empty once the call has
@@ -109,7 +94,7 @@ void HttpCall::State::start(const HttpQuestion& question) {
     soup_message_add_flags(message_.get(), SOUP_MESSAGE_NO_REDIRECT);
     soup_message_add_flags(message_.get(),
                            question.repeatable ? SOUP_MESSAGE_IDEMPOTENT : SOUP_MESSAGE_NEW_CONNECTION);
-    cancel_where_never_answered(message_.get(), cancel_.get());
+    support::cancel_where_never_answered(message_.get(), cancel_.get());
     deadline_.start(question.milliseconds, [this] { finish(NBL_ERROR_TIMEOUT); });
     soup_session_send_async(client_.session(), message_.get(), G_PRIORITY_DEFAULT, cancel_.get(),
                             &State::on_sent, hand_out());

@@ -51,10 +51,6 @@ bool is_web_address(const char* uri);
 /// What a connection's end makes of a question, an nbl_error_e.
 int error_of(const GError* error);
 
-/// Cancels the question of a server that says again and again that its answer is to come. libsoup reads that
-/// without ever coming back to its loop as long as there is more of it: no timer would come to its turn.
-void cancel_where_never_answered(SoupMessage* message, GCancellable* cancel);
-
 struct HttpQuestion {
     static constexpr size_t kLargestAnswer = size_t{8} << 20;
 

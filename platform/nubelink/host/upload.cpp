@@ -14,6 +14,7 @@
 #include "platform/nubelink/host/worker.h"
 #include "platform/nubelink/host/xml.h"
 #include "platform/support/glib_ptr.h"
+#include "platform/support/preliminary_answers.h"
 
 namespace nbl {
 
@@ -179,7 +180,7 @@ void Upload::State::send(const std::string& address) {
     soup_message_add_flags(message_.get(), SOUP_MESSAGE_NO_REDIRECT);
     soup_message_add_flags(message_.get(), SOUP_MESSAGE_NEW_CONNECTION);
     soup_message_set_request_body(message_.get(), question_.mimetype.c_str(), content_.get(), size_);
-    cancel_where_never_answered(message_.get(), cancel_.get());
+    support::cancel_where_never_answered(message_.get(), cancel_.get());
     g_signal_connect(message_.get(), "wrote-body-data", G_CALLBACK(&State::on_body_data), this);
     progress_.start(question_.interval, [this] { tell_progress(); });
     be_patient();

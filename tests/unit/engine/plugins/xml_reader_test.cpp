@@ -48,6 +48,27 @@ TEST(XmlReader, ReadsCharacterReferencesAndSections) {
     EXPECT_EQ(script_of("<a>&lt;&#228;<![CDATA[<b>]]></a>"), "<a><\xc3\xa4<b></>");
 }
 
+TEST(XmlReader, ATagWithoutAnEndIsRefusedBeforeAllOfItIsTaken) {
+    Script script;
+    XmlReader reader(script);
+    std::string tag = "<a";
+    int pieces = 0;
+    for (int i = 0; reader.read(tag.data(), tag.size()) && pieces < 1000; ++pieces) {
+        tag.clear();
+        for (const int end = i + 100; i < end; ++i) {
+            tag += " a" + std::to_string(i) + "=''";
+        }
+    }
+    EXPECT_EQ(reader.reason(), "one of its tags is too long");
+    EXPECT_LT(pieces, 150) << "of about a thousand bytes";
+    EXPECT_EQ(script.text_of_all, "");
+}
+
+TEST(XmlReader, AVeryLongTextIsNoLongTag) {
+    const std::string text(size_t{1} << 20, 'x');
+    EXPECT_EQ(script_of("<a>" + text + "</a>"), "<a>" + text + "</>");
+}
+
 TEST(XmlReader, PiecesMakeNoDifference) {
     const std::string document = "<a a=\"\xc3\xa4\">\xe2\x82\xac<b/>&amp;</a>";
     Script script;
