@@ -1,3 +1,6 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
@@ -7,7 +10,23 @@
 #include "apps/qra/interrupt.h"
 #include "apps/qra/output.h"
 
+namespace {
+
+/// The first file that is opened would take the number of a standard stream that is closed, and what is
+/// printed would go into it. What is opened here for a stream cannot be used, so that its use is an error
+/// that is told.
+void occupy_closed_streams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) {
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+    occupy_closed_streams();
     interrupt::install();
     // A write that cannot be is an error of the call, which is told.
     std::signal(SIGPIPE, SIG_IGN);

@@ -161,6 +161,15 @@ class DriveTest(ToolTest):
         self.assertEqual(FAILED, result.returncode)
         self.assertIn(b"No space left on device", result.stderr)
 
+    def test_output_that_is_closed_is_told_and_no_file_is_taken_for_it(self):
+        self.qra("attach", self.tree)
+        for closed in (">&-", "<&- >&-"):
+            result = subprocess.run(["sh", "-c", f'exec "$@" {closed}', "sh", QRA, "storages"],
+                                    env=self.environment, stderr=subprocess.PIPE)
+            self.assertEqual(FAILED, result.returncode)
+            self.assertIn(b"standard output: Bad file descriptor", result.stderr)
+        self.qra("storages")
+
     def test_output_that_the_user_limits_do_not_allow_is_told(self):
         self.qra("attach", self.tree)
         limit = 16 << 20  # more than the media database takes
