@@ -13,6 +13,7 @@
 #include <memory>
 #include <system_error>
 
+#include "apps/qra/glib_owner.h"
 #include "apps/qra/interrupt.h"
 
 namespace fs = std::filesystem;
@@ -42,24 +43,17 @@ constexpr const char* kBusConfiguration =
 </busconfig>
 )";
 
-template <typename T>
-struct Unref {
-    void operator()(T* object) const { g_object_unref(object); }
-};
-template <typename T>
-using Owned = std::unique_ptr<T, Unref<T>>;
 using OwnedText = std::unique_ptr<char, decltype(&g_free)>;
 
 bool bus_lists_engine(GDBusConnection* bus, const char* method) {
-    GVariant* reply = g_dbus_connection_call_sync(
+    const Owned<GVariant> reply(g_dbus_connection_call_sync(
         bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method, nullptr,
-        G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NO_AUTO_START, kBusTimeoutMs, nullptr, nullptr);
-    if (reply == nullptr) {
+        G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NO_AUTO_START, kBusTimeoutMs, nullptr, nullptr));
+    if (!reply) {
         return false;
     }
-    const std::unique_ptr<GVariant, decltype(&g_variant_unref)> owner(reply, &g_variant_unref);
     const char** names = nullptr;
-    g_variant_get(reply, "(^a&s)", &names);
+    g_variant_get(reply.get(), "(^a&s)", &names);
     const std::unique_ptr<const char*, decltype(&g_free)> names_owner(names, &g_free);
     return g_strv_contains(names, kEngineName) != FALSE;
 }

@@ -3,6 +3,7 @@
 #include <json/reader.h>
 #include <json/writer.h>
 
+#include <memory>
 #include <utility>
 
 #include "apps/qra/engine_access.h"
@@ -27,26 +28,20 @@ constexpr int kActFailed = 7;
                        refused ? text : "the content engine does not answer: " + text);
 }
 
-struct Unref {
-    void operator()(GDBusConnection* bus) const { g_object_unref(bus); }
-    void operator()(GVariant* value) const { g_variant_unref(value); }
-};
-using Variant = std::unique_ptr<GVariant, Unref>;
-
-GDBusConnection* system_bus() {
+Owned<GDBusConnection> system_bus() {
     GError* error = nullptr;
-    GDBusConnection* bus = g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, &error);
-    if (bus == nullptr) {
+    Owned<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, &error));
+    if (!bus) {
         fail(error);
     }
     return bus;
 }
 
-Variant call(GDBusConnection* bus, const char* method, GVariant* arguments, const char* reply_type) {
+Owned<GVariant> call(GDBusConnection* bus, const char* method, GVariant* arguments, const char* reply_type) {
     GError* error = nullptr;
-    Variant reply(g_dbus_connection_call_sync(bus, kEngineName, kPath, kEngineName, method, arguments,
-                                              G_VARIANT_TYPE(reply_type), G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
-                                              &error));
+    Owned<GVariant> reply(g_dbus_connection_call_sync(bus, kEngineName, kPath, kEngineName, method, arguments,
+                                                      G_VARIANT_TYPE(reply_type), G_DBUS_CALL_FLAGS_NONE, -1,
+                                                      nullptr, &error));
     if (!reply) {
         fail(error);
     }
@@ -54,7 +49,7 @@ Variant call(GDBusConnection* bus, const char* method, GVariant* arguments, cons
 }
 
 guint32 connect(GDBusConnection* bus, const std::string& account) {
-    const Variant reply = call(bus, "connect", g_variant_new("(s)", account.c_str()), "(u)");
+    const Owned<GVariant> reply = call(bus, "connect", g_variant_new("(s)", account.c_str()), "(u)");
     guint32 id = 0;
     g_variant_get(reply.get(), "(u)", &id);
     return id;
@@ -108,7 +103,7 @@ void ItemActs::on_complete(GDBusConnection*, const char*, const char*, const cha
 }
 
 void fail_refused_account(const std::string& account) {
-    const std::unique_ptr<GDBusConnection, Unref> bus(system_bus());
+    const Owned<GDBusConnection> bus = system_bus();
     std::string reason;
     try {
         disconnect(bus.get(), connect(bus.get(), account));

@@ -5,10 +5,10 @@
 #include <json/value.h>
 
 #include <chrono>
-#include <memory>
 #include <string>
 
 #include "apps/qra/answer_queue.h"
+#include "apps/qra/glib_owner.h"
 
 /// The texts of the engine's completion signals. They have to outlive the main loop that fills them.
 using Completions = AnswerQueue<std::string>;
@@ -28,15 +28,11 @@ public:
     void perform(Json::Value request, std::chrono::seconds longest_wait);
 
 private:
-    struct Unref {
-        void operator()(GDBusConnection* bus) const { g_object_unref(bus); }
-    };
-
     static void on_complete(GDBusConnection* bus, const char* sender, const char* path, const char* interface,
                             const char* signal, GVariant* arguments, gpointer completions);
 
     Completions& completions_;
-    std::unique_ptr<GDBusConnection, Unref> bus_;
+    Owned<GDBusConnection> bus_;
     guint subscription_ = 0;
     guint32 id_ = 0;
 };
