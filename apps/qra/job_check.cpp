@@ -394,7 +394,8 @@ std::string PlannedCopies::add(const JobItem& item) {
 
 std::string PlannedCopies::shortfall(const JobItem& item) const {
     const auto planned = copies_.find(item.tile);
-    if (planned == copies_.end() || size_of(planned->second.path) != item.size) {
+    if (planned == copies_.end() || planned->second.companions.empty() ||
+        size_of(planned->second.path) != item.size) {
         return "";
     }
     std::string lost;

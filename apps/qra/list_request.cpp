@@ -42,7 +42,7 @@ GeneralParam list_param(const ListOptions& options, const std::string& path) {
     if (options.source == kServerSource) {
         reason = list_failure(path, options);
     } else if (options.source == kCameraSource) {
-        CameraService().find(options.bus, options.device);
+        CameraService().find(options.bus, options.device);  // throws where there is none
         reason = "the camera does not give it";
     } else {
         reason = options.sort_category + " with " + options.content_type + " of " + printable_text(path) +
